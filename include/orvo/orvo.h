@@ -9,6 +9,10 @@
 // model
 
 // numerics
+#include "orvo/numerics/angle.h"
+#include "orvo/numerics/interval.h"
+#include "orvo/numerics/rounding.h"
+#include "orvo/numerics/units.h"
 
 // rectify
 
