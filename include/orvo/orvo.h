@@ -19,3 +19,4 @@
 // geom2d
 
 // services
+#include "orvo/services/checksum.h"

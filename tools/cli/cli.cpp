@@ -12,6 +12,7 @@ namespace {
 // Add new subcommands here; keep the list sorted by how often a user needs them.
 const std::array kCommands{
     Command{"version", "version", "print the library version", &RunVersion},
+    Command{"checksum", "checksum FILE...", "print the MD5 and CRC-32 of each file", &RunChecksum},
 };
 
 void PrintHelp(std::ostream& out) {

@@ -29,5 +29,6 @@ int Run(int argc, char** argv, std::ostream& out, std::ostream& err);
 
 // Subcommands (one file each in this folder).
 int RunVersion(const Args& args, std::ostream& out, std::ostream& err);
+int RunChecksum(const Args& args, std::ostream& out, std::ostream& err);
 
 }  // namespace orvo::cli
