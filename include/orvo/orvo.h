@@ -11,8 +11,12 @@
 // numerics
 #include "orvo/numerics/angle.h"
 #include "orvo/numerics/interval.h"
+#include "orvo/numerics/linalg_errors.h"
+#include "orvo/numerics/matrix.h"
 #include "orvo/numerics/rounding.h"
 #include "orvo/numerics/units.h"
+#include "orvo/numerics/vector.h"
+#include "orvo/numerics/vector_geometry.h"
 
 // rectify
 
