@@ -2,6 +2,7 @@
 #pragma once
 
 // foundation
+#include "orvo/foundation/string.h"
 #include "orvo/foundation/version.h"
 
 // textfile
