@@ -2,6 +2,14 @@
 #pragma once
 
 // foundation
+#include "orvo/foundation/array.h"
+#include "orvo/foundation/attribute.h"
+#include "orvo/foundation/base_list.h"
+#include "orvo/foundation/filter.h"
+#include "orvo/foundation/link.h"
+#include "orvo/foundation/list.h"
+#include "orvo/foundation/notify.h"
+#include "orvo/foundation/object.h"
 #include "orvo/foundation/string.h"
 #include "orvo/foundation/version.h"
 
