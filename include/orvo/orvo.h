@@ -14,6 +14,8 @@
 #include "orvo/foundation/version.h"
 
 // textfile
+#include "orvo/textfile/c_locale.h"
+#include "orvo/textfile/writer.h"
 
 // model
 
