@@ -10,6 +10,7 @@
 #include "orvo/foundation/list.h"
 #include "orvo/foundation/notify.h"
 #include "orvo/foundation/object.h"
+#include "orvo/foundation/platform.h"
 #include "orvo/foundation/string.h"
 #include "orvo/foundation/version.h"
 
@@ -35,3 +36,4 @@
 
 // services
 #include "orvo/services/checksum.h"
+#include "orvo/services/logger.h"
