@@ -15,6 +15,10 @@
 #include "orvo/foundation/version.h"
 
 // textfile
+#include "orvo/textfile/atomic_file.h"
+#include "orvo/textfile/filename.h"
+#include "orvo/textfile/filetype.h"
+#include "orvo/textfile/profile.h"
 #include "orvo/textfile/c_locale.h"
 #include "orvo/textfile/writer.h"
 
