@@ -23,6 +23,10 @@
 #include "orvo/textfile/writer.h"
 
 // model
+#include "orvo/model/format_table.h"
+#include "orvo/model/point.h"
+#include "orvo/model/point_list.h"
+#include "orvo/model/point_tripel.h"
 
 // numerics
 #include "orvo/numerics/angle.h"

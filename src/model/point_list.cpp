@@ -1,0 +1,98 @@
+// The point list: copying, lookups, writing the records, and the free list functions.
+#include "orvo/model/point_list.h"
+
+#include <cstdint>
+#include <ostream>
+#include <unordered_map>
+
+#include "orvo/textfile/writer.h"
+
+namespace orvo {
+
+OvPointList::OvPointList(const TOvFormatTable<eOvPointRWMask>& mask)
+    : TOvFormatTable<eOvPointRWMask>(mask) {}
+
+OvPointList::OvPointList(const OvPointList& other)
+    : TOvListHeader<OvPoint>(other), TOvFormatTable<eOvPointRWMask>(other) {}
+
+OvPointList& OvPointList::operator=(const OvPointList& other) {
+    if (this != &other) {
+        TOvListHeader<OvPoint>::operator=(other);
+        SetTable(other);
+    }
+    return *this;
+}
+
+TOvFormatTable<eOvPointRWMask>& OvPointList::SetMask(const TOvFormatTable<eOvPointRWMask>& mask) {
+    SetTable(mask);
+    return *this;
+}
+
+OvPoint* OvPointList::Find(unsigned id, unsigned photoId, OvPoint* start) const {
+    const auto matches = [id, photoId](const OvPoint* p) {
+        return p->GetId() == id && (photoId == 0 || p->GetPhotoId() == photoId);
+    };
+    if (start == nullptr) {
+        for (OvPoint* p = First(); p != nullptr; p = p->Next()) {
+            if (matches(p)) return p;
+        }
+        return nullptr;
+    }
+    for (OvPoint* p = start; p != nullptr; p = p->Next()) {
+        if (matches(p)) return p;
+    }
+    for (OvPoint* p = start; p != nullptr; p = p->Previous()) {
+        if (matches(p)) return p;
+    }
+    return nullptr;
+}
+
+OvPoint* OvPointList::FindNearest(const OvPoint& p, double* distance) const {
+    OvPoint* best = nullptr;
+    double bestDistance = 0.0;
+    for (OvPoint* candidate = First(); candidate != nullptr; candidate = candidate->Next()) {
+        const double d = candidate->Distance(p);
+        if (best == nullptr || d < bestDistance) {
+            best = candidate;
+            bestDistance = d;
+        }
+    }
+    if (best != nullptr && distance != nullptr) *distance = bestDistance;
+    return best;
+}
+
+std::ostream& OvPointList::Write(std::ostream& out) const {
+    const TOvFormatTable<eOvPointRWMask>& mask = GetMask();
+    for (const OvPoint* p = First(); p != nullptr; p = p->Next()) {
+        if (p != First()) out << Ovendl;
+        p->Write(out, mask);
+    }
+    return out;
+}
+
+int FindOvPointById(const OvPointList& a, const OvPointList& b, OvPointList* result) {
+    // How many partners of each id b still has to give. Which of several equal-id points of b
+    // serves as partner does not show in the result, so counting them is enough.
+    std::unordered_map<std::uint32_t, int> unusedPartners;
+    for (const OvPoint* p = b.First(); p != nullptr; p = p->Next())
+        ++unusedPartners[p->GetId()];
+    int found = 0;
+    for (const OvPoint* p = a.First(); p != nullptr; p = p->Next()) {
+        auto partner = unusedPartners.find(p->GetId());
+        if (partner == unusedPartners.end() || partner->second == 0) continue;
+        --partner->second;
+        ++found;
+        if (result != nullptr) result->Add(*p);
+    }
+    return found;
+}
+
+OvPoint OvCalcGravitycenter(const OvPointList& list) {
+    OvPoint center;
+    for (const OvPoint* p = list.First(); p != nullptr; p = p->Next()) {
+        center = (center * 0.0 + *p) / 1.0;
+    }
+    return center;
+}
+
+}  // namespace orvo
