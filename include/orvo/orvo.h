@@ -21,6 +21,7 @@
 #include "orvo/textfile/profile.h"
 #include "orvo/textfile/c_locale.h"
 #include "orvo/textfile/writer.h"
+#include "orvo/textfile/tokenizer.h"
 
 // model
 #include "orvo/model/format_table.h"

@@ -13,6 +13,8 @@ namespace {
 const std::array kCommands{
     Command{"version", "version", "print the library version", &RunVersion},
     Command{"checksum", "checksum FILE...", "print the MD5 and CRC-32 of each file", &RunChecksum},
+    Command{"tokens", "tokens FILE", "list the tokens of a block file (line, kind, text)",
+            &RunTokens},
 };
 
 void PrintHelp(std::ostream& out) {

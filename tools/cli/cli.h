@@ -30,5 +30,6 @@ int Run(int argc, char** argv, std::ostream& out, std::ostream& err);
 // Subcommands (one file each in this folder).
 int RunVersion(const Args& args, std::ostream& out, std::ostream& err);
 int RunChecksum(const Args& args, std::ostream& out, std::ostream& err);
+int RunTokens(const Args& args, std::ostream& out, std::ostream& err);
 
 }  // namespace orvo::cli

@@ -1,0 +1,130 @@
+// `orvo tokens FILE`: prints every token of a block file as the tokenizer delivers it, a
+// debugging aid for project files that do not read as expected.
+//
+// One line per token: the line number, the token kind and its text; numbers also show their
+// value. Errors the tokenizer can continue after (an unterminated string, an invalid number)
+// are printed in place and the listing goes on; a stream error ends it.
+#include <charconv>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "cli/cli.h"
+#include "orvo/textfile/tokenizer.h"
+
+namespace orvo::cli {
+
+namespace {
+
+// The shortest text that reads back to the same double.
+std::string FormatNumber(double value) {
+    char text[64];
+    const std::to_chars_result result = std::to_chars(text, text + sizeof text, value);
+    return std::string(text, result.ptr);
+}
+
+// Control characters are made visible, so a stray carriage return or tab shows up.
+std::string Visible(const char* text) {
+    std::string shown;
+    for (; *text != '\0'; ++text) {
+        const auto c = static_cast<unsigned char>(*text);
+        if (c == '\r') {
+            shown += "\\r";
+        } else if (c == '\t') {
+            shown += "\\t";
+        } else if (c == '\\') {
+            shown += "\\\\";
+        } else if (c < 0x20 || c == 0x7F) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\x%02X", static_cast<unsigned>(c));
+            shown += escaped;
+        } else {
+            shown += static_cast<char>(c);
+        }
+    }
+    return shown;
+}
+
+void PrintPrefix(std::ostream& out, std::uint32_t line, const char* kind) {
+    char prefix[48];
+    std::snprintf(prefix, sizeof prefix, "%6u  %-16s", static_cast<unsigned>(line), kind);
+    out << prefix;
+}
+
+void PrintToken(std::ostream& out, const OvParser& parser) {
+    const OvParserToken& token = parser.GetToken();
+    PrintPrefix(out, parser.GetStatus().GetLine(), GetOvTokentypeName(token.type));
+    switch (token.type) {
+        case TokenBlockBegin:
+            out << " {";
+            break;
+        case TokenBlockEnd:
+            out << " }";
+            break;
+        case TokenEOF:
+            break;
+        case TokenString:
+            out << " \"" << Visible(token.text) << "\"";
+            break;
+        case TokenInt:
+            out << " " << Visible(token.text) << "  = " << token.ivalue;
+            // An integer beyond 32 bits keeps its full value as a number.
+            if (token.GetNumber() != static_cast<double>(token.ivalue)) {
+                out << " (as number " << FormatNumber(token.GetNumber()) << ")";
+            }
+            break;
+        case TokenFloat:
+            out << " " << Visible(token.text) << "  = " << FormatNumber(token.dvalue);
+            break;
+        default:
+            out << " " << Visible(token.text);
+            break;
+    }
+    out << "\n";
+}
+
+void PrintError(std::ostream& out, const OvParser& parser, const OvParserStatus& status) {
+    PrintPrefix(out, status.GetLine(), "error");
+    out << " " << status.GetStatusText();
+    if (status.GetStatus() == ParserErrorUnterminatedString) {
+        out << ": \"" << Visible(parser.GetToken().text);
+    } else if (status.GetStatus() == ParserErrorInvalidNumber) {
+        out << ": " << Visible(parser.GetToken().text);
+    }
+    out << "\n";
+}
+
+}  // namespace
+
+int RunTokens(const Args& args, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) {
+        err << "usage: orvo tokens FILE\n";
+        return 2;
+    }
+    // Binary mode: the tokenizer handles CR LF line ends itself on every system.
+    std::ifstream in(args[0], std::ios::binary);
+    if (!in) {
+        err << "orvo tokens: " << args[0] << ": cannot open file\n";
+        return 1;
+    }
+
+    OvParser parser;
+    std::uint32_t errors = 0;
+    for (;;) {
+        try {
+            parser.ParseForToken(in);
+        } catch (const OvParserStatus& status) {
+            PrintError(out, parser, status);
+            ++errors;
+            if (status.GetStatus() == ParserErrorStream) break;
+            continue;  // the tokenizer has moved past the bad text
+        }
+        PrintToken(out, parser);
+        if (parser.GetToken().GetType() == TokenEOF) break;
+    }
+    out << parser.GetStatus().GetTokenCount() << " tokens, " << errors
+        << (errors == 1 ? " error\n" : " errors\n");
+    return errors == 0 ? 0 : 1;
+}
+
+}  // namespace orvo::cli
