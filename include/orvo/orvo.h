@@ -45,4 +45,7 @@
 
 // services
 #include "orvo/services/checksum.h"
+#include "orvo/services/environment.h"
+#include "orvo/services/progress.h"
+#include "orvo/services/registry.h"
 #include "orvo/services/logger.h"
