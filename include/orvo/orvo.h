@@ -6,6 +6,7 @@
 #include "orvo/foundation/attribute.h"
 #include "orvo/foundation/base_list.h"
 #include "orvo/foundation/filter.h"
+#include "orvo/foundation/id_table.h"
 #include "orvo/foundation/link.h"
 #include "orvo/foundation/list.h"
 #include "orvo/foundation/notify.h"

@@ -3,6 +3,10 @@
 #include <iomanip>
 #include <ostream>
 
+#include "orvo/textfile/reader.h"
+#include "orvo/textfile/tokenizer.h"
+#include "token_id.h"
+
 namespace orvo {
 
 OvObject::~OvObject() = default;
@@ -14,6 +18,19 @@ int OvObject::Compare(const OvObject* other) const {
 int OvObject::Compare(std::uint32_t otherId) const {
     if (id < otherId) return 1;
     return id == otherId ? 0 : -1;
+}
+
+int OvObject::Read(OvReaderObject* object) {
+    OvReader* reader = object != nullptr ? object->GetReader() : nullptr;
+    if (reader == nullptr) return 0;
+    OvParser& parser = reader->GetParser();
+
+    id = detail::IdFromToken(parser.GetToken(TokenInt));
+    reader->Advance();
+
+    name = parser.GetTokenString();
+    reader->Advance();
+    return 1;
 }
 
 std::ostream& OvObject::Write(std::ostream& out) const {

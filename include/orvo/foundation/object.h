@@ -35,6 +35,12 @@ public:
     const String& GetName() const { return name; }
     void SetName(const String& newName) { name = newName; }
 
+    /// Reads the stored form written by `Write`: the current token must be an integer (the id,
+    /// clamped to 0..4294967295), then, after advancing, a double-quoted string (the name);
+    /// advances once more and returns 1. A token of another kind throws the parser's
+    /// `OvParserStatus` (status 5), which the reader records; the id may then already be set.
+    /// Returns 0 for an object that belongs to no reader.
+    int Read(OvReaderObject* reader);
     /// Writes " ", the id right-aligned in 4 columns, " " and the name in double quotes: the
     /// form in which an object is stored in the block files.
     std::ostream& Write(std::ostream& out) const;
