@@ -43,6 +43,10 @@
 // rectify
 
 // geom2d
+#include "orvo/geom2d/line.h"
+#include "orvo/geom2d/polygon.h"
+#include "orvo/geom2d/position.h"
+#include "orvo/geom2d/region.h"
 
 // services
 #include "orvo/services/checksum.h"

@@ -1,0 +1,47 @@
+// The orientation and segment tests on bare x, y pairs. The public functions take points and
+// lines; the point-in-polygon test calls these directly so that it does not copy whole point
+// records for every edge.
+#pragma once
+
+#include "orvo/model/point.h"
+
+namespace orvo::planar {
+
+struct XY {
+    double x;
+    double y;
+};
+
+inline XY Of(const OvPoint& p) {
+    return {p.GetX(), p.GetY()};
+}
+
+inline int CounterClockwise(XY p0, XY p1, XY p2) {
+    const double dx1 = p1.x - p0.x;
+    const double dy1 = p1.y - p0.y;
+    const double dx2 = p2.x - p0.x;
+    const double dy2 = p2.y - p0.y;
+    if (dx1 * dy2 > dy1 * dx2) return +1;
+    if (dx1 * dy2 < dy1 * dx2) return -1;
+    // Collinear: behind p0, beyond p1, or on the segment.
+    if (dx1 * dx2 < 0 || dy1 * dy2 < 0) return -1;
+    if (dx2 * dx2 + dy2 * dy2 > dx1 * dx1 + dy1 * dy1) return +1;
+    return 0;
+}
+
+/// The order `OvLine::Adjust` gives: kept when first <= second in x and in y, else swapped.
+inline void Adjust(XY& first, XY& second) {
+    if (first.x <= second.x && first.y <= second.y) return;
+    const XY keep = first;
+    first = second;
+    second = keep;
+}
+
+inline bool Intersect(XY a1, XY a2, XY b1, XY b2) {
+    Adjust(a1, a2);
+    Adjust(b1, b2);
+    if (CounterClockwise(a1, a2, b2) * CounterClockwise(a1, a2, b1) > 0) return false;
+    return CounterClockwise(b1, b2, a2) * CounterClockwise(b1, b2, a1) <= 0;
+}
+
+}  // namespace orvo::planar
