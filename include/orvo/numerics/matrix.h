@@ -178,11 +178,13 @@ public:
     // kOvMaxReadElements, give a 0 x 0 matrix and no number is read. Returns 1.
     int Read(OvReaderObject* reader);
     // Writes `w4` lines and `w4` columns, then each matrix line on a line of its own (Ovendl
-    // before it) as `w19` fields with 17 significant digits. No line end follows the last line,
-    // so the caller ends the entry as it ends any other.
+    // before it, so it takes the current block indentation) as `w19` fields with 17 significant
+    // digits. No line end follows the last line, so the caller ends the entry as it ends any
+    // other. The stream's number format is restored afterwards. Returns the stream.
     std::ostream& Write(std::ostream& out) const;
-    // Sends the title (if not null) and then one debug line per matrix line, made of the line's
-    // elements each formatted with "%.5f   ".
+    // Sends the title (if not null) as a line of its own, then one debug line per matrix line,
+    // made of the line's elements each formatted with "%.5f   ". A line longer than
+    // dbgprintf's buffer goes out in several pieces that together make up the line.
     void DbgPrintf(const char* title) const;
 
     // Contiguous storage, line by line (lines x columns elements).

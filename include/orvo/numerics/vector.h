@@ -92,10 +92,13 @@ public:
     // error for the reader to collect. Returns 1.
     int Read(OvReaderObject* reader);
     // Writes the size and the elements on one line without a line end: `w4` size, then each
-    // element after `w19`, with 17 significant digits so that Read gives back the same values.
+    // element after `w19`, with 17 significant digits so that Read gives back the same values
+    // (NaN and infinities are written as the stream spells them and do not read back). The
+    // stream's number format is restored afterwards. Returns the stream.
     std::ostream& Write(std::ostream& out) const;
-    // Sends the title (if not null) and then one line with every element formatted "%.5f   "
-    // to the debug output.
+    // Sends the title (if not null) as a line of its own, then one line with every element
+    // formatted "%.5f   ", to the debug output (dbgprintf). A line longer than dbgprintf's
+    // buffer goes out in several pieces that together make up the line.
     void DbgPrintf(const char* title) const;
 
     // Contiguous storage of the GetSize() elements (index 0 is element 1).
