@@ -147,6 +147,8 @@ StrRep* Sprepend(StrRep* old, const char* t, int tl) {
     return rep;
 }
 
+void Sfree(StrRep* rep) { FreeRep(rep); }
+
 StrRep* Sresize(StrRep* old, int newlen) {
     if (!IsReal(old)) old = nullptr;
     newlen = ClampLength(newlen);

@@ -64,6 +64,8 @@ StrRep* Sprepend(StrRep* old, const char* t, int tl);
 /// (the text beyond the old length is unspecified but the buffer stays terminated at the old
 /// length). A buffer is never shrunk.
 StrRep* Sresize(StrRep* old, int newlen);
+/// Releases a buffer made by the functions above; null and `&_nilStrRep` are ignored.
+void Sfree(StrRep* rep);
 /// Each copies `src` into `dest` first when they differ (via Salloc), then works in place.
 StrRep* Sreverse(const StrRep* src, StrRep* dest);
 StrRep* Supcase(const StrRep* src, StrRep* dest);
