@@ -20,6 +20,7 @@
 #include "orvo/textfile/filename.h"
 #include "orvo/textfile/filetype.h"
 #include "orvo/textfile/profile.h"
+#include "orvo/textfile/reader.h"
 #include "orvo/textfile/c_locale.h"
 #include "orvo/textfile/writer.h"
 #include "orvo/textfile/tokenizer.h"
