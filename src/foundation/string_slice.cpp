@@ -155,10 +155,11 @@ void SubString::assign(const char* ys, int ylen) {
     const int sl = target->len;
     const int p = std::min<int>(pos, sl);
     const int l = std::min<int>(len, sl - p);
-    const int kept = sl - l;
-    ylen = std::min(ylen, String::kMaxLength - kept);
-    const int newlen = kept + ylen;
-    const int tail = sl - p - l;
+    // The result is head + new text + tail, truncated at the end to the longest text a
+    // buffer holds (as every other operation truncates).
+    ylen = std::min(ylen, String::kMaxLength - p);
+    const int tail = std::min(sl - p - l, String::kMaxLength - p - ylen);
+    const int newlen = p + ylen + tail;
 
     if (!IsReal(target) || newlen > target->sz || (ylen > 0 && LiesInside(ys, target))) {
         // Build into a new buffer: the old one is too small, shared, or holds the source.
@@ -171,9 +172,10 @@ void SubString::assign(const char* ys, int ylen) {
         FreeRep(target);
         S.rep = fresh;
     } else {
-        // Move the tail (with its NUL) into place, then copy the new text in.
-        std::memmove(target->s + p + ylen, target->s + p + l, static_cast<std::size_t>(tail) + 1);
+        // Move the tail into place, then copy the new text in.
+        std::memmove(target->s + p + ylen, target->s + p + l, static_cast<std::size_t>(tail));
         if (ylen > 0) std::memcpy(target->s + p, ys, static_cast<std::size_t>(ylen));
+        target->s[newlen] = '\0';
         target->len = static_cast<std::uint16_t>(newlen);
     }
     pos = static_cast<std::uint16_t>(p);

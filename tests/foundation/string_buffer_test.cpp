@@ -65,6 +65,24 @@ TEST(StringCapacity, LengthsBeyondSixteenBitsAreTruncatedNotWrapped) {
     EXPECT_EQ(replicate(String("abc"), 30000).length(), 65535);
 }
 
+TEST(StringCapacity, SubStringAssignmentTruncatesTheResultAtTheEnd) {
+    // Inserting a string into itself near the limit keeps the front of the result: the whole
+    // inserted copy, then as much of the old text as fits.
+    String s = OfLength(65531);
+    s.prepend("ab");
+    s.at(0, 0) = s;
+    EXPECT_EQ(s.length(), 65535);
+    EXPECT_EQ(String(s.at(0, 4)), "abxx");
+    EXPECT_EQ(String(s.at(65533, 2)), "ab");
+    EXPECT_TRUE(s.OK());
+
+    String t = OfLength(65535);
+    t.at(10, 0) = "inserted";
+    EXPECT_EQ(t.length(), 65535);
+    EXPECT_EQ(String(t.at(10, 8)), "inserted");
+    EXPECT_EQ(t.chars()[65535], '\0');
+}
+
 TEST(StringCapacity, EmptyStringsShareTheNilBufferUntilGivenOne) {
     const String none;
     EXPECT_EQ(none.allocation(), 0);
