@@ -1,9 +1,10 @@
 // `orvo tokens FILE`: prints every token of a block file as the tokenizer delivers it, a
 // debugging aid for project files that do not read as expected.
 //
-// One line per token: the line number, the token kind and its text; numbers also show their
-// value. Errors the tokenizer can continue after (an unterminated string, an invalid number)
-// are printed in place and the listing goes on; a stream error ends it.
+// One line per token: the line number, the token kind and its text; a number whose text does
+// not plainly show its value is followed by "= value". Errors the tokenizer can continue after (an
+// unterminated string, an invalid number) are printed in place and the listing goes on; a stream
+// error ends it.
 #include <charconv>
 #include <cstdio>
 #include <fstream>
@@ -45,15 +46,18 @@ std::string Visible(const char* text) {
     return shown;
 }
 
-void PrintPrefix(std::ostream& out, std::uint32_t line, const char* kind) {
+// The line number and kind; the kind is padded only when more follows on the line.
+void PrintPrefix(std::ostream& out, std::uint32_t line, const char* kind, bool more) {
     char prefix[48];
-    std::snprintf(prefix, sizeof prefix, "%6u  %-16s", static_cast<unsigned>(line), kind);
+    std::snprintf(prefix, sizeof prefix, more ? "%6u  %-16s" : "%6u  %s",
+                  static_cast<unsigned>(line), kind);
     out << prefix;
 }
 
 void PrintToken(std::ostream& out, const OvParser& parser) {
     const OvParserToken& token = parser.GetToken();
-    PrintPrefix(out, parser.GetStatus().GetLine(), GetOvTokentypeName(token.type));
+    PrintPrefix(out, parser.GetStatus().GetLine(), GetOvTokentypeName(token.type),
+                token.type != TokenEOF);
     switch (token.type) {
         case TokenBlockBegin:
             out << " {";
@@ -66,15 +70,21 @@ void PrintToken(std::ostream& out, const OvParser& parser) {
         case TokenString:
             out << " \"" << Visible(token.text) << "\"";
             break;
-        case TokenInt:
-            out << " " << Visible(token.text) << "  = " << token.ivalue;
-            // An integer beyond 32 bits keeps its full value as a number.
+        case TokenInt: {
+            out << " " << Visible(token.text);
+            // The value is shown where the text alone does not tell it: a sign, a text that
+            // runs on past a "}", an integer beyond 32 bits (clamped, yet exact as a number).
+            const std::string plain = std::to_string(token.ivalue);
+            if (plain != token.text) out << "  = " << token.ivalue;
             if (token.GetNumber() != static_cast<double>(token.ivalue)) {
                 out << " (as number " << FormatNumber(token.GetNumber()) << ")";
             }
             break;
+        }
         case TokenFloat:
-            out << " " << Visible(token.text) << "  = " << FormatNumber(token.dvalue);
+            out << " " << Visible(token.text);
+            if (FormatNumber(token.dvalue) != token.text)
+                out << "  = " << FormatNumber(token.dvalue);
             break;
         default:
             out << " " << Visible(token.text);
@@ -84,7 +94,7 @@ void PrintToken(std::ostream& out, const OvParser& parser) {
 }
 
 void PrintError(std::ostream& out, const OvParser& parser, const OvParserStatus& status) {
-    PrintPrefix(out, status.GetLine(), "error");
+    PrintPrefix(out, status.GetLine(), "error", true);
     out << " " << status.GetStatusText();
     if (status.GetStatus() == ParserErrorUnterminatedString) {
         out << ": \"" << Visible(parser.GetToken().text);
