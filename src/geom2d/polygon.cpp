@@ -214,16 +214,36 @@ std::ostream& OvPolygon::Write(std::ostream& out) const {
     return points.Write(out);
 }
 
-int OvPolygon::Read(OvReaderObject* reader) {
+OvPointFormat OvPolygon::ReadColumns() const {
     const eOvPointRWMask* columns = ColumnsOf(mode);
-    OvPointList read(columns != nullptr ? OvPointFormat(columns) : points.GetMask());
-    read.Read(reader);
+    return columns != nullptr ? OvPointFormat(columns) : points.GetMask();
+}
+
+void OvPolygon::TakeOver(const OvPointList& read) {
+    // A block read replaces what the polygon held, box included: appending would leave the
+    // box of a two-point rectangle blind to the older points.
+    points.Destroy();
+    minimum = OvPoint();
+    maximum = OvPoint();
     const OvPoint* first = read.First();
     if (read.Count() == 2) {
         MakePolygon(*first, *first->Next());
     } else {
         AddPoint(&read);
     }
+}
+
+int OvPolygon::Read(OvReaderObject* reader) {
+    OvPointList read(ReadColumns());
+    read.Read(reader);
+    TakeOver(read);
+    return 1;
+}
+
+int OvPolygon::Read(OvParser& parser, std::istream& in) {
+    OvPointList read(ReadColumns());
+    read.Read(parser, in);
+    TakeOver(read);
     return 1;
 }
 

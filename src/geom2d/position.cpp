@@ -1,5 +1,7 @@
 #include "orvo/geom2d/position.h"
 
+#include "whole_record.h"
+
 namespace orvo {
 
 namespace {
@@ -14,9 +16,19 @@ OvPosition::~OvPosition() = default;
 
 int OvPosition::Read(OvReaderObject* reader) {
     OvPoint read(*this);
-    read.Read(reader, OvPointFormat(kPositionColumns));
-    SetX(read.GetX());
-    SetY(read.GetY());
+    if (detail::ReadWholeRecord([&] { read.Read(reader, OvPointFormat(kPositionColumns)); })) {
+        SetX(read.GetX());
+        SetY(read.GetY());
+    }
+    return 1;
+}
+
+int OvPosition::Read(OvParser& parser, std::istream& in) {
+    OvPoint read(*this);
+    if (detail::ReadWholeRecord([&] { read.Read(parser, in, OvPointFormat(kPositionColumns)); })) {
+        SetX(read.GetX());
+        SetY(read.GetY());
+    }
     return 1;
 }
 

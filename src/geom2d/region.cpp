@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "orvo/numerics/interval.h"
+#include "whole_record.h"
 
 namespace orvo {
 
@@ -202,10 +203,27 @@ int OvRegion::Read(OvReaderObject* reader) {
     const OvPointFormat columns(kCornerColumns);
     OvPoint lowerLeft(first);
     OvPoint upperRight(second);
-    lowerLeft.Read(reader, columns);
-    upperRight.Read(reader, columns);
-    first = lowerLeft;
-    second = upperRight;
+    if (detail::ReadWholeRecord([&] {
+            lowerLeft.Read(reader, columns);
+            upperRight.Read(reader, columns);
+        })) {
+        first = lowerLeft;
+        second = upperRight;
+    }
+    return 1;
+}
+
+int OvRegion::Read(OvParser& parser, std::istream& in) {
+    const OvPointFormat columns(kCornerColumns);
+    OvPoint lowerLeft(first);
+    OvPoint upperRight(second);
+    if (detail::ReadWholeRecord([&] {
+            lowerLeft.Read(parser, in, columns);
+            upperRight.Read(parser, in, columns);
+        })) {
+        first = lowerLeft;
+        second = upperRight;
+    }
     return 1;
 }
 

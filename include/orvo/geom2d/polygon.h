@@ -12,6 +12,7 @@
 
 namespace orvo {
 
+class OvParser;
 class OvReaderObject;
 
 /// What a polygon's points are and which point columns it is written and read with. The
@@ -100,9 +101,13 @@ public:
     std::ostream& Write(std::ostream& out) const;
     /// Reads the point records of the current block with the mode's columns (for a mode outside
     /// 0..3 with the list's own format). Exactly two points read give the rectangle through them
-    /// (MakePolygon); otherwise the points are added in order. The points are added to what the
-    /// polygon already holds. Returns 1. Tokenizer errors reach the reader as with a point list.
+    /// (MakePolygon); otherwise the points are added in order. What was read replaces the points
+    /// and the box the polygon held before (an empty block leaves an empty polygon with its box
+    /// at the origin). Returns 1. Tokenizer errors reach the reader as with a point list.
     int Read(OvReaderObject* reader);
+    /// The same on a tokenizer and its stream directly, up to the "}" closing the block or the
+    /// end of the input.
+    int Read(OvParser& parser, std::istream& in);
     /// `Read` in the shape of a link function: `Link(&polygon, &OvPolygon::ReadHdl)`.
     std::int32_t ReadHdl(void* readerObject);
 
@@ -115,6 +120,10 @@ protected:
 private:
     /// Sets the list's column format to the mode's columns; a mode outside 0..3 leaves it alone.
     void ApplyModeColumns() const;
+    /// The column format that reading uses: the mode's, or the list's own for other modes.
+    OvPointFormat ReadColumns() const;
+    /// Takes over the points of a block just read (the rectangle for exactly two).
+    void TakeOver(const OvPointList& read);
 
     OVPolygonMode mode;
     OvPoint minimum;

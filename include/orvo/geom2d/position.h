@@ -10,6 +10,7 @@
 
 namespace orvo {
 
+class OvParser;
 class OvReaderObject;
 
 /// A point used for its x and y only. Everything else of the point record is there (a position
@@ -28,9 +29,12 @@ public:
     using OvPoint::Write;
 
     /// Reads x and y as a point record with the x, y columns from the reader's tokenizer.
-    /// Returns 1. Both are taken over only when both were read; a block that ends early raises
-    /// the tokenizer's status to the reader, which records it as a read error.
+    /// Returns 1. Both are taken over only when both were read: a block that closes early
+    /// leaves the position as it was and the reader goes on after the block. Other tokenizer
+    /// errors reach the reader.
     int Read(OvReaderObject* reader);
+    /// The same on a tokenizer and its stream directly (the current token is x).
+    int Read(OvParser& parser, std::istream& in);
     /// `Read` in the shape of a link function: `Link(&position, &OvPosition::ReadHdl)`.
     std::int32_t ReadHdl(void* readerObject);
     /// Writes x and y as a point record with the x, y columns (each a blank and a right-aligned

@@ -10,6 +10,7 @@
 
 namespace orvo {
 
+class OvParser;
 class OvReaderObject;
 
 /// A writable reference to one coordinate of a point, for the by-reference edge accessors of
@@ -117,10 +118,13 @@ public:
     OvRegion& Union(const OvRegion& other);
 
     /// Reads the two corners as point records with the x, y columns, first then second, from
-    /// the reader's tokenizer. Returns 1. Both corners are taken over only when all four numbers
-    /// were read; a block that ends early raises the tokenizer's status to the reader, which
-    /// records it as a read error.
+    /// the reader's tokenizer; the "}" closing the block stays the current token. Returns 1.
+    /// The corners are taken over only when all four numbers were read: a block that closes
+    /// early leaves the region as it was, like an incomplete record of a point list, and the
+    /// reader goes on after the block. Other tokenizer errors reach the reader.
     int Read(OvReaderObject* reader);
+    /// The same on a tokenizer and its stream directly (the current token is the first number).
+    int Read(OvParser& parser, std::istream& in);
     /// `Read` in the shape of a link function, so that a block can be bound to a region:
     /// `Link(&region, &OvRegion::ReadHdl)`. The argument is the `OvReaderObject*`.
     std::int32_t ReadHdl(void* readerObject);
