@@ -148,6 +148,20 @@ TEST_F(PointRecordIo, WriteFileBytesAndReplacement) {
     EXPECT_EQ(entries, 1);
 }
 
+TEST_F(PointRecordIo, WriteFileStartsAtIndentationZero) {
+    // A caller in the middle of a block of another file does not indent the point file.
+    std::ostringstream elsewhere;
+    elsewhere << OvTabPlus << OvTabPlus;
+    OvPointList list(MakeTable({1}));
+    list.Add(NewPoint(1, 0, 0, 0));
+    list.Add(NewPoint(2, 0, 0, 0));
+    EXPECT_EQ(Written(list), Field("1", 10) + "\n        " + Field("2", 10));
+    TempDir dir;
+    const std::string name = dir.file("points.txt");
+    list.WriteFile(String(name.c_str()));
+    EXPECT_EQ(ReadWholeFile(name), Field("1", 10) + "\n" + Field("2", 10));
+}
+
 TEST_F(PointRecordIo, WriteFileReturnsOneWhenTheFileCannotBeWritten) {
     TempDir dir;
     const std::string name = dir.file("missing/dir/points.txt");

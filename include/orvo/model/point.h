@@ -154,7 +154,11 @@ public:
     /// Returns 1. When the record meets the "}" that closes the block, or the end of the input,
     /// the tokenizer's `OvParserStatus` is thrown: with status 7 (end of the object's data) at a
     /// "}", which stays the current token, or with the status the tokenizer holds at the end of
-    /// the input. Other tokenizer errors propagate as thrown by the tokenizer.
+    /// the input. Other tokenizer errors propagate as thrown by the tokenizer. Integer columns
+    /// (id, codes, photo, camera) take integer tokens only; ids take the whole unsigned 32-bit
+    /// range exactly, a negative value as its 32-bit word. Numeric columns take integer or
+    /// floating tokens ("-0" reads as negative zero) and read 0.0 for any other kind. An object
+    /// that is registered with no reader reads nothing.
     int Read(OvReaderObject* reader, const OvPointFormat& format);
     /// The same on a tokenizer and its stream directly; returns the number of tokens consumed.
     int Read(OvParser& parser, std::istream& in, const OvPointFormat& format);

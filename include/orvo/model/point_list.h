@@ -60,6 +60,7 @@ public:
     /// added. Tokenizer errors, and the end of the input, reach the caller as the tokenizer's
     /// `OvParserStatus`. A mask with which a record consumes no token at all (an empty mask, or
     /// only columns that read nothing) ends the read at once instead of adding points forever.
+    /// An object that is registered with no reader reads nothing.
     int Read(OvReaderObject* reader);
     /// The same on a tokenizer and its stream directly; the end of the input ends the read
     /// quietly here. Returns 1.
@@ -74,9 +75,11 @@ public:
     /// Sets the mask and appends the points read from the file (the list is not cleared first).
     /// Returns Count() afterwards. Read errors are collected by the reader and not reported.
     int ReadFile(const String& fileName, const TOvFormatTable<eOvPointRWMask>& mask);
-    /// Writes the list to the file (replacing it) without a header line. Returns 1, also when
-    /// the file cannot be written: callers of the point file writers never had a failure to
-    /// look at, and keep relying on that.
+    /// Writes the list to the file without a header line, numbers in the classic "C" form
+    /// whatever the host's locale, starting at indentation level 0 (`OvWriterReset`). The file
+    /// is replaced at once: a temporary file is renamed over it only when it was written
+    /// completely, so a failed write leaves the old file as it was. Returns 1, also when the
+    /// file cannot be written: the point file writers report no failure, deliberately.
     int WriteFile(const String& fileName) const;
     int WriteFile(const String& fileName, const TOvFormatTable<eOvPointRWMask>& mask);
 };
