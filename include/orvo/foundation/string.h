@@ -51,7 +51,9 @@ extern constinit StrRep _nilStrRep;
 /// of `src`, NUL-terminated at index `srclen`. `old` is reused when it is a real buffer that has
 /// room for `newlen`; `src` may point into `old`.
 StrRep* Salloc(StrRep* old, const char* src, int srclen, int newlen);
-/// Copies the text of `src` into `old` (see the header comment of each case in the source).
+/// Copies the text of `src` into `old`. Both empty (nil or null): `&_nilStrRep`. Only `src`
+/// empty: `old` kept with length 0. Otherwise `old` is reused when the text fits, else freed and
+/// replaced. Copying a buffer onto itself only re-terminates it.
 StrRep* Scopy(StrRep* old, const StrRep* src);
 /// Concatenates two pieces. `old` is reused when the total fits and `t` does not lie in it.
 StrRep* Scat(StrRep* old, const char* s, int sl, const char* t, int tl);
