@@ -175,6 +175,12 @@ public:
     // input the token becomes TokenEOF and the status ParserStatusEOF, and every later call
     // yields the end-of-file token again. Throws OvParserStatus on a stream failure, an
     // unterminated string or an invalid number.
+    //
+    // After an error the parser keeps that status (until the end of file replaces it) and can
+    // go on: an unterminated string drops the rest of its line, an invalid number is stepped
+    // over, while a failed stream fails again on every call. The current token then shows the
+    // offending text (TokenString after the quote, TokenOther for the invalid number) although
+    // it was not delivered and not counted.
     std::istream& ParseForToken(std::istream& in);
 
     // The consumer's advance step: when the skip flag is set it only clears it (the current
