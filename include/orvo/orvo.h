@@ -26,6 +26,8 @@
 #include "orvo/textfile/tokenizer.h"
 
 // model
+#include "orvo/model/camera.h"
+#include "orvo/model/camera_list.h"
 #include "orvo/model/format_table.h"
 #include "orvo/model/point.h"
 #include "orvo/model/point_list.h"
