@@ -127,7 +127,7 @@ public:
     virtual T* Replace(const T& record);
     /// If a node with the same id exists (the first from the head), `node` is inserted in front
     /// of it and the old node is taken out and deleted; otherwise `node` is appended. Returns
-    /// `node`.
+    /// `node`, or null (nothing taken) for a null or still-linked node.
     virtual T* Replace(T* node);
     /// A copy of `record`, then as `SortedReplace(T*)`.
     virtual T* SortedReplace(const T& record);
