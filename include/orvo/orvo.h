@@ -39,6 +39,7 @@
 #include "orvo/numerics/linalg_errors.h"
 #include "orvo/numerics/matrix.h"
 #include "orvo/numerics/rounding.h"
+#include "orvo/numerics/trafo2d.h"
 #include "orvo/numerics/units.h"
 #include "orvo/numerics/vector.h"
 #include "orvo/numerics/vector_geometry.h"
