@@ -57,13 +57,6 @@ const fs::path& ScratchFile() {
     return path;
 }
 
-struct RemoveScratch {
-    ~RemoveScratch() {
-        std::error_code ec;
-        fs::remove(ScratchFile(), ec);
-    }
-} removeScratch;
-
 bool AllFinite(const orvo::OvPointList& list) {
     for (const orvo::OvPoint* p = list.First(); p != nullptr; p = p->Next()) {
         double sum = p->GetX() + p->GetY() + p->GetZ();
@@ -85,8 +78,18 @@ void ReadFromTokenizer(orvo::OvPointList& list, const std::string& text) {
     }
 }
 
+// libFuzzer may end the process without running destructors, so the scratch file is removed
+// after every input.
+struct ScratchFileRemover {
+    ~ScratchFileRemover() {
+        std::error_code ec;
+        fs::remove(ScratchFile(), ec);
+    }
+};
+
 void ReadThroughReader(orvo::OvPointList& list, const std::string& text, bool inBlock,
                        const Table& mask) {
+    const ScratchFileRemover remover;
     {
         std::ofstream out(ScratchFile(), std::ios::binary | std::ios::trunc);
         if (inBlock) out << "POINTS {\n";
