@@ -280,6 +280,41 @@ TEST(OvReaderTest, HandlersBuildRecordsFromNestedBlocks) {
     EXPECT_EQ(t.reader.GetScopeDepth(), 1);
 }
 
+// Reads a block of bare numbers itself, as point lists do, and stops at the block's "}".
+class NumberList : public LinkHdl {
+public:
+    std::int32_t OnBlock(void* arg) {
+        OvReader& reader = *static_cast<OvReaderObject*>(arg)->GetReader();
+        for (;;) {
+            const eOvTokentype type = reader.GetParser().GetToken().GetType();
+            if (type == TokenBlockEnd || type == TokenEOF) return 1;
+            values.push_back(reader.GetParser().GetTokenNumber());
+            reader.Advance();
+        }
+    }
+    std::vector<double> values;
+};
+
+TEST(OvReaderTest, HandlerReadingItsBlockItselfEndsAtTheClosingBrace) {
+    TextReader t(
+        "POINTS {\n"
+        "    1 2.5 3\n"
+        "    4 5 -6e1\n"
+        "}\n"
+        "AFTER 1\n"
+        "EMPTY { }\n"
+        "AFTER 2\n");
+    NumberList list;
+    int after = 0;
+    t.reader.RegisterObject(OvReaderObject("POINTS", Link(&list, &NumberList::OnBlock)));
+    t.reader.RegisterObject(OvReaderObject("EMPTY", Link(&list, &NumberList::OnBlock)));
+    t.reader.RegisterObject(OvReaderObject("AFTER", &after));
+    t.reader.DoProcess(false);
+    EXPECT_EQ(list.values, (std::vector<double>{1, 2.5, 3, 4, 5, -60}));
+    EXPECT_EQ(after, 2);
+    EXPECT_EQ(t.reader.GetReadErrorCount(), 0);
+}
+
 TEST(OvReaderTest, ScopesHideKeywordsOfOtherBlocks) {
     TextReader t(
         "CAMERA {\n"

@@ -105,7 +105,8 @@ public:
     static OvMasterLogger* GetMasterLogger();
 
     // Queues the message, then delivers the whole queue if a master is registered. Returns the
-    // number of messages still queued (0 with a master).
+    // number of messages still queued (0 with a master). Each message leaves the queue before it
+    // is delivered, so a logger that logs from inside its own Log does not recurse forever.
     static int Log(int level, const String& text);
 
     // The number of messages waiting for a master.

@@ -17,6 +17,11 @@
 //         double focal = 0.0;
 //     };
 //
+// A block handler is called with the first token inside the block as the current token and
+// must return with the block's closing "}" as the current token; OvReaderObject::DoProcess does
+// exactly that, and a handler that reads the block's tokens itself (a list of records, say)
+// stops at the "}" without consuming it. The reader then goes on after the block.
+//
 // File syntax: an entry is a keyword followed by one value (integer, number or double-quoted
 // string) or by a block "{ entries }". Keywords are compared exactly, and only with those
 // registered in the current scope. A registered keyword that is missing from the file leaves
@@ -199,8 +204,9 @@ public:
     virtual int ParserError();
     virtual ~OvReader();
 
-    // Switches to another file: closes the open one and opens `name`. True unless the stream
-    // is failed.
+    // Switches to another file: closes the open one and opens `name`; reading starts at the
+    // new file's beginning, and the parser keeps its syntax settings (decimal point, character
+    // table). True unless the stream is failed.
     bool SetFilename(const String& name);
     const String& GetFilename() const { return filename; }
 
