@@ -27,6 +27,7 @@
 
 // model
 #include "orvo/model/camera.h"
+#include "orvo/model/camera_cv.h"
 #include "orvo/model/camera_list.h"
 #include "orvo/model/format_table.h"
 #include "orvo/model/point.h"
