@@ -33,6 +33,8 @@
 #include "orvo/model/point.h"
 #include "orvo/model/point_list.h"
 #include "orvo/model/point_tripel.h"
+#include "orvo/model/reseau_file.h"
+#include "orvo/model/reseau_list.h"
 
 // numerics
 #include "orvo/numerics/angle.h"
