@@ -82,36 +82,38 @@ private:
     std::streamsize precision_;
 };
 
+// Reads `count` parameters into p0.. of the transformation (see OvTrafo2d::Read).
+void ReadParameters(OvReader& reader, OvTrafo2d& trafo, int count) {
+    int i = 0;
+    for (; i < count; ++i) {
+        double value = 0.0;
+        if (!ReadNumber(reader, &value)) break;
+        trafo.SetParam(i, value);
+    }
+    for (; i < count; ++i)
+        trafo.SetParam(i, 0.0);
+}
+
 constexpr std::streamsize kParamDigits = 16;
 constexpr int kValuesPerLine = 4;
 
 }  // namespace
 
-void OvTrafo2d::ReadParams(OvReaderObject* object, int count) {
-    OvReader& reader = *object->GetReader();
-    int i = 0;
-    for (; i < count; ++i) {
-        double value = 0.0;
-        if (!ReadNumber(reader, &value)) break;
-        p_[i] = value;
-    }
-    for (; i < count; ++i)
-        p_[i] = 0.0;
-}
-
 int OvTrafo2d::Read(OvReaderObject* object) {
     if (object == nullptr || object->GetReader() == nullptr) return 1;
-    type_ = static_cast<eOvTrafo2DType>(ReadCode(*object->GetReader()));
-    ReadParams(object, GetParamCount());
+    OvReader& reader = *object->GetReader();
+    type_ = static_cast<eOvTrafo2DType>(ReadCode(reader));
+    ReadParameters(reader, *this, GetParamCount());
     return 1;
 }
 
 int OvTrafo2d::ReadV50(OvReaderObject* object) {
     if (object == nullptr || object->GetReader() == nullptr) return 1;
+    OvReader& reader = *object->GetReader();
     eOvTrafo2DType type = type_;
-    if (!TypeFromV50(ReadCode(*object->GetReader()), &type)) return 1;
+    if (!TypeFromV50(ReadCode(reader), &type)) return 1;
     type_ = type;
-    ReadParams(object, GetParamCount());
+    ReadParameters(reader, *this, GetParamCount());
     return 1;
 }
 

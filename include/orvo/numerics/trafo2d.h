@@ -136,8 +136,6 @@ public:
 
 private:
     static bool InRange(int i) { return i >= 0 && i < kMaxParams; }
-    /// Reads `count` numbers into p0.. (see Read) from the reader of `object`.
-    void ReadParams(OvReaderObject* object, int count);
 
     eOvTrafo2DType type_ = eOvTrafo2DNone;
     double p_[kMaxParams] = {};
