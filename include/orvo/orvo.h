@@ -48,6 +48,12 @@
 #include "orvo/numerics/vector_geometry.h"
 
 // rectify
+#include "orvo/rectify/tilt_def_line.h"
+#include "orvo/rectify/tilt_parallel_def.h"
+
+// geom3d
+#include "orvo/geom3d/line3d.h"
+#include "orvo/geom3d/point3d.h"
 
 // geom2d
 #include "orvo/geom2d/line.h"
