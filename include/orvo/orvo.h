@@ -38,6 +38,7 @@
 
 // numerics
 #include "orvo/numerics/angle.h"
+#include "orvo/numerics/calc_trafo2d.h"
 #include "orvo/numerics/interval.h"
 #include "orvo/numerics/linalg_errors.h"
 #include "orvo/numerics/matrix.h"

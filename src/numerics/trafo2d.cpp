@@ -8,6 +8,42 @@
 
 namespace orvo {
 
+namespace {
+
+// When the terms of a polynomial are this many times larger than its value, the sum has lost
+// that many bits to cancellation and is formed again in extended precision.
+constexpr double kCancellation = 65536.0;
+
+// c0 + c1 x + c2 y + c3 x^2 + c4 x y + c5 y^2 + c6 x^3 + c7 x^2 y + c8 x y^2 + c9 y^3.
+//
+// On ordinary coordinates this is the plain double sum. On coordinates whose offset dwarfs their
+// spread (national-grid metres, x around 4.5e6) the cubic terms reach 1e12 and more while the
+// value stays near 1e6, and the plain sum loses millimetres; there the sum is formed again in
+// long double (extended precision where the platform has it), which keeps what the parameters
+// themselves can hold.
+double EvaluatePolynomial(const double* c, double x, double y) {
+    const double m[10] = {1.0,   x,         y,         x * x,     x * y,
+                          y * y, x * x * x, x * x * y, x * y * y, y * y * y};
+    double sum = c[0] * m[0];
+    double magnitude = std::fabs(sum);
+    for (int k = 1; k < 10; ++k) {
+        const double term = c[k] * m[k];
+        sum += term;
+        magnitude += std::fabs(term);
+    }
+    if (!(magnitude > kCancellation * std::fabs(sum))) return sum;
+    const long double lx = x;
+    const long double ly = y;
+    const long double lm[10] = {1.0L,    lx,           ly,           lx * lx,      lx * ly,
+                                ly * ly, lx * lx * lx, lx * lx * ly, lx * ly * ly, ly * ly * ly};
+    long double extended = 0.0L;
+    for (int k = 0; k < 10; ++k)
+        extended += static_cast<long double>(c[k]) * lm[k];
+    return static_cast<double>(extended);
+}
+
+}  // namespace
+
 int OvTrafo2DParamCount(eOvTrafo2DType type) {
     switch (type) {
         case eOvTrafo2DHelmert:
@@ -95,19 +131,10 @@ bool OvTrafo2d::Transform(double* x, double* y) const {
             *y = (p[3] * px + p[4] * py + p[5]) / d;
             return true;
         }
-        case eOvTrafo2DPolynomial: {
-            const double m[10] = {1.0,     px,           py,           px * px,      px * py,
-                                  py * py, px * px * px, px * px * py, px * py * py, py * py * py};
-            double nx = p[0] * m[0];
-            double ny = p[10] * m[0];
-            for (int k = 1; k < 10; ++k) {
-                nx += p[k] * m[k];
-                ny += p[10 + k] * m[k];
-            }
-            *x = nx;
-            *y = ny;
+        case eOvTrafo2DPolynomial:
+            *x = EvaluatePolynomial(p, px, py);
+            *y = EvaluatePolynomial(p + 10, px, py);
             return true;
-        }
         default:
             return false;
     }

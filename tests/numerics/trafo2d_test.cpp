@@ -150,6 +150,31 @@ TEST(Trafo2dTransform, PolynomialMonomialOrder) {
     EXPECT_DOUBLE_EQ(y, -1.0 + 1.0 + 0.75 + 27.0);
 }
 
+TEST(Trafo2dTransform, PolynomialKeepsItsValueAgainstCancellation) {
+    // x' = (x - c)^3 expanded, with c = 2^22 (every coefficient exact): at x = c + 10 the
+    // terms are near 2^66 while the value is 1000. The plain double sum loses it entirely.
+    const double c = 4194304.0;
+    const OvTrafo2d t = Make(eOvTrafo2DPolynomial,
+                             {-c * c * c, 3.0 * c * c, 0.0, -3.0 * c, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0,
+                              // y' = y: a plain identity, summed without cancellation
+                              0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0});
+    const double x0 = c + 10.0;
+    double plain = -c * c * c;
+    plain += 3.0 * c * c * x0;
+    plain += -3.0 * c * (x0 * x0);
+    plain += x0 * x0 * x0;
+    EXPECT_GT(std::fabs(plain - 1000.0), 100.0) << plain;
+
+    double x = x0, y = 7.25;
+    ASSERT_TRUE(t.Transform(&x, &y));
+    EXPECT_EQ(y, 7.25);
+    if (std::numeric_limits<long double>::digits >= 64) {
+        EXPECT_EQ(x, 1000.0);  // every product and sum exact in extended precision
+    } else {
+        EXPECT_NEAR(x, 1000.0, 1e5);  // no wider type on this platform: no worse than plain
+    }
+}
+
 TEST(Trafo2dTransform, TypesWithoutMappingRefuseAndLeaveThePoint) {
     for (int code : {0, 5, 6, 42, -3}) {
         OvTrafo2d t = Make(static_cast<eOvTrafo2DType>(code), {1, 2, 3, 4, 5, 6, 7, 8});

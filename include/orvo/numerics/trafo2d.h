@@ -86,6 +86,10 @@ public:
     /// Maps (x, y) in place by the equations above and returns true for the types 1 to 4. For
     /// None, "Inv. Helmert" and any other code it returns false and leaves the point. The
     /// Projektiv divides by d without testing it. Null pointers give false.
+    /// The polynomial is summed in double as written; only where its terms exceed its value
+    /// by more than 2^16 (coordinates whose offset dwarfs their spread, where the cubic terms
+    /// cancel by the million) is the sum formed again in long double, so that the result
+    /// keeps what the parameters can hold instead of losing millimetres to rounding.
     bool Transform(double* x, double* y) const;
     /// The same on the point's x and y (z is untouched).
     bool Transform(OvPoint* point) const;
