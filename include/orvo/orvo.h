@@ -50,6 +50,7 @@
 
 // rectify
 #include "orvo/rectify/tilt_def_line.h"
+#include "orvo/rectify/tilt_estimation.h"
 #include "orvo/rectify/tilt_parallel_def.h"
 
 // geom3d
