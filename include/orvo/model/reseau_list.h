@@ -26,6 +26,7 @@
 
 namespace orvo {
 
+class OvPhoto;
 class OvReaderErrorList;
 class OvReaderObject;
 
@@ -56,6 +57,9 @@ public:
     /// The first description in list order whose key `ExactMatch`es `key` (names compared with
     /// letter case ignored, sub ids equal), or null.
     OvReseauFile* FindReseauFile(const OvReseauDataDesc& key) const;
+    /// The description the photo names by its reseau file name and sub id
+    /// (`OvPhoto::GetReseauData`); null for a null photo or when there is none.
+    OvReseauFile* FindReseauFile(const OvPhoto* photo) const;
 
     /// Writes the digital camera file: the header comment and one line per digital camera
     /// entry (`IsDigitalCameraEntry`) in list order; reseau files of film cameras are not part
