@@ -30,18 +30,23 @@
 #include "orvo/model/camera_cv.h"
 #include "orvo/model/camera_list.h"
 #include "orvo/model/format_table.h"
+#include "orvo/model/photo.h"
+#include "orvo/model/photo_list.h"
 #include "orvo/model/point.h"
 #include "orvo/model/point_list.h"
 #include "orvo/model/point_tripel.h"
+#include "orvo/model/project_file.h"
 #include "orvo/model/reseau_file.h"
 #include "orvo/model/reseau_list.h"
 
 // numerics
 #include "orvo/numerics/angle.h"
+#include "orvo/numerics/biko_transform.h"
 #include "orvo/numerics/calc_trafo2d.h"
 #include "orvo/numerics/interval.h"
 #include "orvo/numerics/linalg_errors.h"
 #include "orvo/numerics/matrix.h"
+#include "orvo/numerics/reseau_trafo.h"
 #include "orvo/numerics/rounding.h"
 #include "orvo/numerics/trafo2d.h"
 #include "orvo/numerics/units.h"
@@ -49,6 +54,7 @@
 #include "orvo/numerics/vector_geometry.h"
 
 // rectify
+#include "orvo/rectify/tilt_trafo.h"
 #include "orvo/rectify/tilt_def_line.h"
 #include "orvo/rectify/tilt_estimation.h"
 #include "orvo/rectify/tilt_parallel_def.h"
