@@ -31,6 +31,13 @@ bool PositiveFinite(double value) {
     return std::isfinite(value) && value > 0.0;
 }
 
+// A sensor size the entry can hold and write back. Below the minimum, halving is no longer
+// exact near the subnormal range; the minimum is itself a number of six significant digits,
+// so a size at or above it, written with six digits, reads back at or above it.
+bool IsSensorSize(double value) {
+    return std::isfinite(value) && value >= kOvReseauMinSensorSize;
+}
+
 }  // namespace
 
 void OvReseauFile::Set(const String& exifType, const String& comment, int pixelX, int pixelY,
@@ -39,8 +46,8 @@ void OvReseauFile::Set(const String& exifType, const String& comment, int pixelX
     infoText_ = comment;
     exifPixelWidth_ = pixelX;
     exifPixelHeight_ = pixelY;
-    // Halving and doubling are exact, so the region's width and height are ccdX and ccdY
-    // again: the entry writes back the sensor size it was made from.
+    // Halving and doubling are exact for every valid size, so the region's width and height
+    // are ccdX and ccdY again: the entry writes back the sensor size it was made from.
     const double halfX = ccdX * 0.5;
     const double halfY = ccdY * 0.5;
     photoRegion_ = OvRegion();
@@ -48,7 +55,7 @@ void OvReseauFile::Set(const String& exifType, const String& comment, int pixelX
     boxRegion_ = OvRegion();
     boxRegion_.Set(-halfX, halfY - ccdY * 0.1, halfX, halfY);
     crosses_.Destroy();
-    valid_ = PositiveFinite(ccdX) && PositiveFinite(ccdY) && pixelX >= 0 && pixelY >= 0 ? 1 : 0;
+    valid_ = IsSensorSize(ccdX) && IsSensorSize(ccdY) && pixelX >= 0 && pixelY >= 0 ? 1 : 0;
     digital_ = true;
 }
 

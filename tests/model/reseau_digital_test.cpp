@@ -99,6 +99,11 @@ TEST(DigitalCameraEntry, ValidityNeedsASensorSize) {
     EXPECT_EQ(file.IsValid(), 0);
     file.Set("c", "", -1, 10, 10, 10);
     EXPECT_EQ(file.IsValid(), 0);
+    file.Set("c", "", 10, 10, 9.99999e-301, 10);
+    EXPECT_EQ(file.IsValid(), 0);
+    file.Set("c", "", 10, 10, 1.7976931348623157e308, 1e-300);
+    EXPECT_EQ(file.IsValid(), 1);
+    EXPECT_EQ(file.GetPhotoRegion().Width(), 1.7976931348623157e308);
 }
 
 TEST(DummyGrid, EvenGridWithoutPixelSizes) {

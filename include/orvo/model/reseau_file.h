@@ -47,6 +47,10 @@ enum eOvReseauCrossCode : std::int16_t {
 /// be told from measured ones (`HasDummyData`).
 inline constexpr const char* kOvReseauDummyMarker = ">>DUMMY DATA<<";
 
+/// The smallest sensor size [mm] of a valid digital camera entry: any finite size from here on
+/// is held exactly by the entry's photo region and survives the digital camera file.
+inline constexpr double kOvReseauMinSensorSize = 1e-300;
+
 /// The number of grid lines of the dummy grid in each direction (5 x 5 crosses).
 inline constexpr int kOvReseauDummyGridLines = 5;
 
@@ -164,7 +168,8 @@ public:
     /// measured from the picture centre, and the box region the top tenth of it (the info text
     /// shown across the picture's upper edge). The crosses are removed (call
     /// `GenerateDummyData` for a grid); the sub id is left as it is. The entry is valid when
-    /// ccdX and ccdY are finite and greater than 0 and neither pixel size is negative.
+    /// ccdX and ccdY are finite and at least kOvReseauMinSensorSize, and neither pixel size is
+    /// negative.
     void Set(const String& exifType, const String& comment, int pixelX, int pixelY, double ccdX,
              double ccdY);
     /// Replaces the crosses by a regular grid of kOvReseauDummyGridLines x
