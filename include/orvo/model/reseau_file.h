@@ -2,19 +2,20 @@
 // layout of its photos, and the (file name, sub id) key by which a photo names its description.
 //
 // A reseau file is a comment header followed by the description (`WriteHeaderComment`, then
-// `Write`):
+// `Write`): the info text, the photo region [mm], the box of the info text, an empty line and
+// one line per cross with id, x, y and code:
 //
-//     "RMK 15/23 reseau"                                  <- info text
-//     {  -115.0  -115.0  115.0  115.0 }                   <- photo region [mm]
-//     {  -110.0   112.0  -60.0  114.0 }                   <- box of the info text
+//     "RMK 15/23 reseau"
+//     {                  -115                  -115                   115                   115}
+//     {                  -110                   112                   -60                   114}
 //
-//     {          1   -100   100    1}                     <- crosses: id, x, y, code
-//     {          2      0   100    0}
+//     {          1                  -100                   100    2}
+//     {          2                     0                   100    0}
 //
-// (numbers padded in fixed columns). A second form describes digital cameras, one line per
-// entry of the digital camera file (see `WriteDigitalCameraFormat` and reseau_list.h):
+// A second form describes digital cameras, one line per entry of the digital camera file (see
+// `WriteDigitalCameraFormat` and reseau_list.h):
 //
-//     {                  "Canon EOS 5D"    0                  "studio" ...  4368 2912  35.8  23.9 }
+//     {                   "Canon EOS 5D"     0                   "studio"      4368      2912  ...
 //
 // Digital camera entries carry no crosses of their own: `Set` makes the entry from the line's
 // values and `GenerateDummyData` derives a grid of crosses from the picture and sensor size, so
@@ -99,7 +100,9 @@ public:
 
     // -- reseau files ----------------------------------------------------------------------
     /// Replaces this description by the one in the file: the name becomes `fileName`, the sub
-    /// id 0, every other field is reset first. Returns IsValid(). Read errors are dropped.
+    /// id 0, every other field is reset first. Returns IsValid(). Read errors are dropped. A
+    /// file without a description (empty, or comments only) leaves it invalid without an
+    /// error; one that cannot be opened gives the reader's "ParserErrorStream".
     int ReadFile(const String& fileName);
     /// The same, copying every read error into `errors` (when not null; emptied first).
     /// Unlike a plain reader run, a trailing "ParserErrorNotSpecifiedToken" is kept.

@@ -10,7 +10,7 @@
 //     ; { "ExifKameraType"  SubId "Comment"              Pixel_X  Pixel_Y   CCD_X    CCD_Y    }
 //     ;
 //
-//     {                  "Canon EOS 5D"    0                  "studio"     4368     2912 ...
+//     {                   "Canon EOS 5D"     0                   "studio"      4368      2912  ...
 //
 // (the comment lines hold the marker "; " with its blank; each entry line is written by
 // OvReseauFile::WriteDigitalCameraFormat).
