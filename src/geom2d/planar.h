@@ -1,7 +1,9 @@
 // The orientation and segment tests on bare x, y pairs. The public functions take points and
-// lines; the point-in-polygon test calls these directly so that it does not copy whole point
+// lines; the point-in-polygon tests call these directly so that they do not copy whole point
 // records for every edge.
 #pragma once
+
+#include <cmath>
 
 #include "orvo/model/point.h"
 
@@ -42,6 +44,40 @@ inline bool Intersect(XY a1, XY a2, XY b1, XY b2) {
     Adjust(b1, b2);
     if (CounterClockwise(a1, a2, b2) * CounterClockwise(a1, a2, b1) > 0) return false;
     return CounterClockwise(b1, b2, a2) * CounterClockwise(b1, b2, a1) <= 0;
+}
+
+/// The horizontal test segment of the point-in-polygon test: from p to the right end x that the
+/// polygon's box gives, together with the order `Intersect` puts it in.
+struct TestRay {
+    XY from;
+    XY to;
+    XY low;  // `from` and `to` after Adjust
+    XY high;
+};
+
+/// The right end of the test segment: well beyond the box whatever the signs of its x values.
+inline double RayEndX(double minX, double maxX) {
+    return std::fabs(2.0 * (maxX - minX)) + std::fabs(maxX);
+}
+
+inline TestRay MakeTestRay(XY p, double minX, double maxX) {
+    TestRay ray{p, {RayEndX(minX, maxX), p.y}, {}, {}};
+    ray.low = ray.from;
+    ray.high = ray.to;
+    Adjust(ray.low, ray.high);
+    return ray;
+}
+
+/// On which side of the test segment a vertex lies, exactly as the first test of `Intersect`
+/// sees it. Both ends of an edge on the same side (a product > 0) mean that `Intersect` rejects
+/// the edge, so one evaluation per vertex spares two per edge.
+inline int Side(const TestRay& ray, XY vertex) {
+    return CounterClockwise(ray.low, ray.high, vertex);
+}
+
+/// Whether the test segment meets the edge from start to end: the full `Intersect`.
+inline bool Meets(const TestRay& ray, XY start, XY end) {
+    return Intersect(ray.from, ray.to, start, end);
 }
 
 }  // namespace orvo::planar

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstddef>
 #include <ostream>
-#include <vector>
 
 #include "planar.h"
 
@@ -148,31 +147,26 @@ bool OvPolygon::IsInBox(const OvPoint& p) const {
 bool OvPolygon::Overlap(const OvPoint& p) const {
     if (!IsInBox(p)) return false;
     if (!Is2D(mode)) return true;  // for 3D polygons the box alone decides
+    const OvPoint* first = points.First();
+    if (first == nullptr) return true;
 
-    std::vector<planar::XY> ring;
-    for (const OvPoint* q = points.First(); q != nullptr; q = q->Next()) {
-        ring.push_back(planar::Of(*q));
-    }
-    if (ring.empty()) return true;
-
-    // The test segment runs from p to the right, far beyond the box.
-    const planar::XY from = planar::Of(p);
-    const planar::XY to = {
-        std::fabs(2.0 * (maximum.GetX() - minimum.GetX())) + std::fabs(maximum.GetX()), p.GetY()};
-
-    // The ring is walked from its lowest vertex (the last of several equally low ones), edge by
-    // edge from each vertex's predecessor, so the first edge closes the ring. Every edge is
-    // counted on its own: a segment through a vertex meets both edges there and counts twice.
-    const std::size_t n = ring.size();
-    std::size_t lowest = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        if (ring[i].y <= ring[lowest].y) lowest = i;
-    }
+    // The rule walks a rotated copy of the ring from its lowest vertex, with a copy of the last
+    // vertex in front so that the first edge closes the ring, and counts every edge from a
+    // vertex's predecessor to the vertex that the test segment meets. The count does not depend
+    // on where the walk starts, only on the set of edges (each with its direction, which
+    // `Intersect` is sensitive to), so the ring is walked in place here: the closing edge
+    // (last, first) first, then the others. A segment through a vertex meets both edges there
+    // and counts twice, as the rule has it.
+    const planar::TestRay ray = planar::MakeTestRay(planar::Of(p), minimum.GetX(), maximum.GetX());
+    planar::XY start = planar::Of(*points.Last());
+    int startSide = planar::Side(ray, start);
     int crossings = 0;
-    for (std::size_t step = 0; step < n; ++step) {
-        const planar::XY& edgeEnd = ring[(lowest + step) % n];
-        const planar::XY& edgeStart = ring[(lowest + step + n - 1) % n];
-        if (planar::Intersect(from, to, edgeStart, edgeEnd)) ++crossings;
+    for (const OvPoint* q = first; q != nullptr; q = q->Next()) {
+        const planar::XY end = planar::Of(*q);
+        const int endSide = planar::Side(ray, end);
+        if (startSide * endSide <= 0 && planar::Meets(ray, start, end)) ++crossings;
+        start = end;
+        startSide = endSide;
     }
     return crossings % 2 == 1;
 }

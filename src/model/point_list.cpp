@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "orvo/textfile/writer.h"
+#include "point_text.h"
 
 namespace orvo {
 
@@ -63,10 +64,27 @@ OvPoint* OvPointList::FindNearest(const OvPoint& p, double* distance) const {
 
 std::ostream& OvPointList::Write(std::ostream& out) const {
     const TOvFormatTable<eOvPointRWMask>& mask = GetMask();
-    for (const OvPoint* p = First(); p != nullptr; p = p->Next()) {
-        if (p != First()) out << Ovendl;
-        p->Write(out, mask);
+    const OvPoint* first = First();
+    if (first == nullptr) return out;
+    out.precision(16);
+    if (!detail::StreamPrintsPlainNumbers(out)) {
+        for (const OvPoint* p = first; p != nullptr; p = p->Next()) {
+            if (p != first) out << Ovendl;
+            p->Write(out, mask);
+        }
+        return out;
     }
+    // The stream's state is checked once for the whole list; the records are formatted in
+    // memory with the same bytes. The line ends stay Ovendl's, flush and indentation included.
+    detail::OvTextBuffer text;
+    bool wrote = false;
+    for (const OvPoint* p = first; p != nullptr; p = p->Next()) {
+        if (p != first) out << Ovendl;
+        text.Clear();
+        wrote = detail::AppendPointRecord(text, *p, mask, out.fill()) || wrote;
+        out.write(text.Data(), static_cast<std::streamsize>(text.Size()));
+    }
+    if (wrote) out.setf(std::ios_base::right, std::ios_base::adjustfield);
     return out;
 }
 

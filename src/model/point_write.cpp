@@ -7,6 +7,7 @@
 #include "orvo/model/point.h"
 #include "orvo/textfile/writer.h"
 #include "point_columns.h"
+#include "point_text.h"
 
 namespace orvo {
 
@@ -15,51 +16,51 @@ namespace detail {
 OvPointColumn GetPointColumn(std::uint32_t code) {
     switch (code) {
         case eOvPointRWId:
-            return {"#", w8};
+            return {"#", w8, 10};
         case eOvPointRWCode123:
-            return {"Code", w4};
+            return {"Code", w4, 4};
         case eOvPointRWCode:
-            return {"Code", w4};
+            return {"Code", w4, 4};
         case eOvPointRWName:
-            return {"PP", w8};
+            return {"PP", w8, 10};
         case eOvPointRWPhoto:
-            return {"Photo", w8};
+            return {"Photo", w8, 10};
         case eOvPointRWCamera:
-            return {"Camera", w8};
+            return {"Camera", w8, 10};
         case eOvPointRWX:
-            return {"   X", w16};
+            return {"   X", w16, 21};
         case eOvPointRWY:
-            return {"   Y", w16};
+            return {"   Y", w16, 21};
         case eOvPointRWZ:
-            return {"   Z", w16};
+            return {"   Z", w16, 21};
         case eOvPointRWDx:
-            return {"  dx", w19};
+            return {"  dx", w19, 24};
         case eOvPointRWDy:
-            return {"  dy", w19};
+            return {"  dy", w19, 24};
         case eOvPointRWDz:
-            return {"  dz", w19};
+            return {"  dz", w19, 24};
         case eOvPointRWDs:
-            return {"  dS", w19};
+            return {"  dS", w19, 24};
         case eOvPointRWRedu:
-            return {"Redu", w19};
+            return {"Redu", w19, 24};
         case eOvPointRWRedu2:
-            return {"Redu2", w19};
+            return {"Redu2", w19, 24};
         case eOvPointRWRedu3:
-            return {"Redu3", w19};
+            return {"Redu3", w19, 24};
         case eOvPointRWSx:
-            return {"  Sx", w19};
+            return {"  Sx", w19, 24};
         case eOvPointRWSy:
-            return {"  Sy", w19};
+            return {"  Sy", w19, 24};
         case eOvPointRWSz:
-            return {"  Sz", w19};
+            return {"  Sz", w19, 24};
         case eOvPointRWResidualX:
-            return {"Residual x", w19};
+            return {"Residual x", w19, 24};
         case eOvPointRWResidualY:
-            return {"Residual y", w19};
+            return {"Residual y", w19, 24};
         case eOvPointRWResidualZ:
-            return {"Residual z", w19};
+            return {"Residual z", w19, 24};
         default:
-            return {nullptr, nullptr};  // 17 and unknown codes write nothing
+            return {nullptr, nullptr, 0};  // 17 and unknown codes write nothing
     }
 }
 
@@ -75,6 +76,15 @@ std::ostream& operator<<(std::ostream& out, const TOvFormatTable<eOvPointRWMask>
 
 std::ostream& OvPoint::Write(std::ostream& out, const OvPointFormat& format) const {
     out.precision(16);
+    if (detail::StreamPrintsPlainNumbers(out)) {
+        // The same bytes as the loop below prints, formatted in memory and handed over at once.
+        detail::OvTextBuffer text;
+        if (detail::AppendPointRecord(text, *this, format, out.fill())) {
+            out.write(text.Data(), static_cast<std::streamsize>(text.Size()));
+            out.setf(std::ios_base::right, std::ios_base::adjustfield);
+        }
+        return out;
+    }
     for (int i = 0; format[i] != eOvPointRWEnd; ++i) {
         const std::uint32_t code = format[i];
         const detail::OvPointColumn column = detail::GetPointColumn(code);

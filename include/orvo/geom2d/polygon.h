@@ -78,10 +78,15 @@ public:
     /// Whether p lies in the box, bounds included: x and y for modes 0 and 1, x, y and z for
     /// modes 2 and 3; false for any other mode.
     bool IsInBox(const OvPoint& p) const;
-    /// Point in polygon, boundary cases as the crossing count gives them (see the source):
-    /// false outside the box; true inside the box of a 3D-mode polygon (the box decides there)
-    /// and of a polygon without points; otherwise true when a horizontal test segment from p
-    /// to the right crosses an odd number of edges.
+    /// Point in polygon, boundary cases as the crossing count gives them: false outside the
+    /// box; true inside the box of a 3D-mode polygon (the box decides there) and of a polygon
+    /// without points; otherwise true when the test segment from p to (|2 * (max x - min x)| +
+    /// |max x|, p.y) meets an odd number of edges, each edge running from a vertex's predecessor
+    /// to the vertex (the first edge closing the ring) and tested with `Intersect`. A segment
+    /// through a vertex meets both edges there and counts it twice. The rule as first stated
+    /// walks a copy of the ring rotated to its lowest vertex; the count does not depend on the
+    /// start of the walk, so the ring is walked in place, without a copy, in time proportional
+    /// to the point count. For many tests of one polygon see `OvPreparedPolygon`.
     bool Overlap(const OvPoint& p) const;
     /// The same through a pointer; a null point gives false.
     bool Overlap(const OvPoint* p) const;
