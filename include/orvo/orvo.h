@@ -17,13 +17,13 @@
 
 // textfile
 #include "orvo/textfile/atomic_file.h"
-#include "orvo/textfile/c_locale.h"
 #include "orvo/textfile/filename.h"
 #include "orvo/textfile/filetype.h"
 #include "orvo/textfile/profile.h"
 #include "orvo/textfile/reader.h"
-#include "orvo/textfile/tokenizer.h"
+#include "orvo/textfile/c_locale.h"
 #include "orvo/textfile/writer.h"
+#include "orvo/textfile/tokenizer.h"
 
 // model
 #include "orvo/model/camera.h"
@@ -54,10 +54,10 @@
 #include "orvo/numerics/vector_geometry.h"
 
 // rectify
+#include "orvo/rectify/tilt_trafo.h"
 #include "orvo/rectify/tilt_def_line.h"
 #include "orvo/rectify/tilt_estimation.h"
 #include "orvo/rectify/tilt_parallel_def.h"
-#include "orvo/rectify/tilt_trafo.h"
 
 // geom3d
 #include "orvo/geom3d/line3d.h"
@@ -73,6 +73,6 @@
 // services
 #include "orvo/services/checksum.h"
 #include "orvo/services/environment.h"
-#include "orvo/services/logger.h"
 #include "orvo/services/progress.h"
 #include "orvo/services/registry.h"
+#include "orvo/services/logger.h"
