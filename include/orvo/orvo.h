@@ -54,6 +54,9 @@
 #include "orvo/numerics/vector_geometry.h"
 
 // rectify
+#include "orvo/rectify/rect_plane.h"
+#include "orvo/rectify/tilt_biko_points.h"
+#include "orvo/rectify/tilt_plane_info.h"
 #include "orvo/rectify/tilt_trafo.h"
 #include "orvo/rectify/tilt_def_line.h"
 #include "orvo/rectify/tilt_estimation.h"

@@ -1,10 +1,11 @@
-// The tilt transform's identity, state bits and valid region, and the photo's list of them.
+// The tilt transform: state, matrices, mapping, areas, and the transform list.
 #include "orvo/rectify/tilt_trafo.h"
 
-#include <ostream>
+#include <memory>
 
+#include "orvo/model/photo.h"
 #include "orvo/model/point.h"
-#include "orvo/textfile/writer.h"
+#include "orvo/model/point_list.h"
 
 namespace orvo {
 
@@ -22,25 +23,74 @@ const OvTiltTrafo* AsTilt(const OvObject* object) {
     return static_cast<const OvTiltTrafo*>(object);
 }
 
+OvMatrix Identity(int size) {
+    OvMatrix m(size, size);
+    m.SetIdent();
+    return m;
+}
+
 }  // namespace
 
-OvTiltTrafo::OvTiltTrafo() : region_(OvPolygonMode2D) {}
+// ---- construction --------------------------------------------------------------------------
 
-OvTiltTrafo::OvTiltTrafo(std::uint32_t id, const String& name)
-    : OvListnode(id, name), region_(OvPolygonMode2D) {}
+OvTiltTrafo::OvTiltTrafo()
+    : tiltMat_(Identity(3)),
+      transMat_(Identity(4)),
+      defPoints_(OvPolygonMode3DId),
+      measPoints_(OvPolygonMode2DId),
+      parallelDef_(&measPoints_.GetPointList()),
+      region_(OvPolygonMode2D) {}
 
-OvTiltTrafo::OvTiltTrafo(const OvTiltTrafo& other) = default;
+OvTiltTrafo::OvTiltTrafo(std::uint32_t id, const String& name) : OvTiltTrafo() {
+    SetId(id);
+    SetName(name);
+}
+
+OvTiltTrafo::OvTiltTrafo(const OvTiltTrafo& other)
+    : OvListnode(other),
+      LinkHdl(other),
+      flag_(other.flag_),
+      tiltMat_(other.tiltMat_),
+      transMat_(other.transMat_),
+      defPoints_(other.defPoints_),
+      measPoints_(other.measPoints_),
+      parallelDef_(other.parallelDef_),
+      region_(other.region_),
+      camera_(other.camera_) {
+    AdoptPointList(other);
+}
+
+OvTiltTrafo::OvTiltTrafo(OvReaderObject* reader, bool legacy) : OvTiltTrafo() {
+    if (legacy) {
+        ReadV50(reader);
+    } else {
+        Read(reader);
+    }
+}
 
 OvTiltTrafo& OvTiltTrafo::operator=(const OvTiltTrafo& other) {
-    if (this != &other) {
-        OvListnode::operator=(other);
-        flag_ = other.flag_;
-        region_ = other.region_;
-    }
+    if (this == &other) return *this;
+    OvListnode::operator=(other);
+    flag_ = other.flag_;
+    tiltMat_ = other.tiltMat_;
+    transMat_ = other.transMat_;
+    defPoints_ = other.defPoints_;
+    measPoints_ = other.measPoints_;
+    parallelDef_ = other.parallelDef_;
+    region_ = other.region_;
+    camera_ = other.camera_;
+    AdoptPointList(other);
     return *this;
 }
 
 OvTiltTrafo::~OvTiltTrafo() = default;
+
+void OvTiltTrafo::AdoptPointList(const OvTiltTrafo& other) {
+    if (other.parallelDef_.GetPointList() == &other.measPoints_.GetPointList())
+        parallelDef_.SetPointList(&measPoints_.GetPointList());
+}
+
+// ---- state ---------------------------------------------------------------------------------
 
 void OvTiltTrafo::SetActive(bool on) {
     SetBit(flag_, eOvTiltFlagActive, on);
@@ -54,24 +104,93 @@ void OvTiltTrafo::SetDistortCameraFlag(bool on) {
     SetBit(flag_, eOvTiltFlagDistortCamera, on);
 }
 
+void OvTiltTrafo::SetTiltMat(const OvMatrix& tilt) {
+    tiltMat_ = tilt;
+}
+
+void OvTiltTrafo::SetTransMat(const OvMatrix& placement) {
+    transMat_ = placement;
+}
+
 bool OvTiltTrafo::Overlap(const OvPoint* point) const {
     return region_.Overlap(point);
 }
 
-std::ostream& OvTiltTrafo::Write(std::ostream& out) const {
-    out << s12 << "TILTID" << w4 << "{";
-    OvObject::Write(out);
-    out << "}" << Ovendl;
-    out << s12 << "ACTIV" << w4 << (IsActive() ? 1 : 0) << Ovendl;
-    out << s12 << "KAMERA" << w4 << (GetDistortCameraFlag() ? 1 : 0) << Ovendl;
-    out << s12 << "REGIONACTIV" << w4 << (IsRegionActive() ? 1 : 0) << Ovendl;
-    out << s12 << "VALIDREGION" << Ovendl << OvBeginBlockNL;
-    region_.Write(out);
-    out << OvEndBlockNL << Ovendl;
-    return out;
+bool OvTiltTrafo::SetDistortCameraParam(const OvCamera& camera) {
+    camera_ = camera;
+    return true;
 }
 
+bool OvTiltTrafo::CompensateDistortion() const {
+    return GetDistortCameraFlag() && camera_.GetId() != 0;
+}
+
+// ---- mapping -------------------------------------------------------------------------------
+
+void OvTiltTrafo::Undistort(OvPoint& point) const {
+    if (CompensateDistortion()) camera_.Adjust(&point);
+}
+
+bool OvTiltTrafo::Transform(const OvPoint* in, OvPoint* out) const {
+    if (in == nullptr || out == nullptr) return false;
+    if (in != out) *out = *in;
+    Undistort(*out);
+    tiltMat_.PTrans2D(out);
+    transMat_.PTrans3D(out);
+    return true;
+}
+
+int OvTiltTrafo::Transform(OvPointList* list) const {
+    if (list == nullptr) return 0;
+    int count = 0;
+    for (OvPoint* p = list->First(); p != nullptr; p = p->Next()) {
+        Undistort(*p);
+        tiltMat_.PTrans2D(p);
+        transMat_.PTrans3D(p);
+        ++count;
+    }
+    return count;
+}
+
+double OvTiltTrafo::Area() const {
+    OvPolygon plane(region_);
+    for (OvPoint* p = plane.First(); p != nullptr; p = p->Next()) {
+        Undistort(*p);
+        tiltMat_.PTrans2D(p);
+    }
+    plane.UpdateMinMax();
+    return plane.Area(true);
+}
+
+double OvTiltTrafo::Length() const {
+    OvPolygon plane(region_);
+    for (OvPoint* p = plane.First(); p != nullptr; p = p->Next()) {
+        Undistort(*p);
+        tiltMat_.PTrans2D(p);
+    }
+    plane.UpdateMinMax();
+    return plane.Length(true);
+}
+
+double OvTiltTrafo::GetOriginalPixelArea(const OvPhoto* photo) const {
+    if (photo == nullptr || !photo->IsDigital() || photo->IsInactive()) return 0.0;
+    OvPolygon pixels(region_);
+    photo->ConvertList(&pixels.GetPointList(), eConvertBikoToMeasure);
+    pixels.UpdateMinMax();
+    return pixels.Area(true);
+}
+
+// ---- list and predicates -------------------------------------------------------------------
+
 OvTiltTrafoList::~OvTiltTrafoList() = default;
+
+OvTiltTrafo* OvTiltTrafoList::AddTrafo(OvReaderObject* reader) {
+    return Add(new OvTiltTrafo(reader, false));
+}
+
+OvTiltTrafo* OvTiltTrafoList::AddTrafoV50(OvReaderObject* reader) {
+    return Add(new OvTiltTrafo(reader, true));
+}
 
 unsigned IsTiltActive(const OvObject* trafo) {
     return trafo != nullptr && AsTilt(trafo)->IsActive() ? 1U : 0U;
