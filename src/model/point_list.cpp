@@ -1,6 +1,7 @@
 // The point list: copying, lookups, writing the records, and the free list functions.
 #include "orvo/model/point_list.h"
 
+#include <cmath>
 #include <cstdint>
 #include <ostream>
 #include <unordered_map>
@@ -48,17 +49,38 @@ OvPoint* OvPointList::Find(unsigned id, unsigned photoId, OvPoint* start) const 
     return nullptr;
 }
 
+namespace {
+
+// The square of OvPoint::Distance, computed the same way: its square root is that distance.
+double SquaredDistance(const OvPoint& candidate, const OvPoint& p) {
+    const double dx = candidate.GetX() - p.GetX();
+    const double dy = candidate.GetY() - p.GetY();
+    const double dz = candidate.GetZ() - p.GetZ();
+    return dx * dx + dy * dy + dz * dz;
+}
+
+}  // namespace
+
 OvPoint* OvPointList::FindNearest(const OvPoint& p, double* distance) const {
-    OvPoint* best = nullptr;
-    double bestDistance = 0.0;
-    for (OvPoint* candidate = First(); candidate != nullptr; candidate = candidate->Next()) {
-        const double d = candidate->Distance(p);
-        if (best == nullptr || d < bestDistance) {
-            best = candidate;
-            bestDistance = d;
+    OvPoint* best = First();
+    if (best == nullptr) return nullptr;
+    double bestSquare = SquaredDistance(*best, p);
+    double bestDistance = std::sqrt(bestSquare);
+    for (OvPoint* candidate = best->Next(); candidate != nullptr; candidate = candidate->Next()) {
+        // The square root rounds monotonically, so a distance below the best one needs a square
+        // below the best square: the root is taken only then. Equal roots of different squares
+        // keep the earlier point, as comparing the distances themselves does.
+        const double square = SquaredDistance(*candidate, p);
+        if (square < bestSquare) {
+            const double d = std::sqrt(square);
+            if (d < bestDistance) {
+                best = candidate;
+                bestDistance = d;
+                bestSquare = square;
+            }
         }
     }
-    if (best != nullptr && distance != nullptr) *distance = bestDistance;
+    if (distance != nullptr) *distance = bestDistance;
     return best;
 }
 

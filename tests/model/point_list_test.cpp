@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
 #include <vector>
 
 namespace orvo {
@@ -89,6 +91,50 @@ TEST(OvPointListFindNearest, SmallestDistanceEarlierWinsOnTie) {
     nearest = list.FindNearest(OvPoint(0, 6.0, 8.0, 0.0, 0), &distance);
     EXPECT_EQ(nearest->GetId(), 4u);
     EXPECT_EQ(distance, 0.0);
+}
+
+// FindNearest takes the square root only of squares below the best one; the answer must be the
+// plain loop's, which compares the distances themselves: also where different squares have the
+// same root (the earlier point stays) and where coordinates are not numbers.
+TEST(OvPointListFindNearest, SameAnswerAsComparingEveryDistance) {
+    std::mt19937_64 random(31);
+    std::uniform_int_distribution<int> grid(-3, 3);
+    std::uniform_int_distribution<int> nudge(-2, 2);
+    const auto coordinate = [&] {
+        double v = grid(random);
+        for (int n = nudge(random); n != 0; n += n > 0 ? -1 : 1)
+            v = std::nextafter(v, n > 0 ? 10.0 : -10.0);
+        return v;
+    };
+    int ties = 0;
+    for (int round = 0; round < 1000; ++round) {
+        OvPointList list;
+        const int count = 1 + round % 40;
+        for (int i = 0; i < count; ++i)
+            list.Add(NewPoint(static_cast<unsigned>(i + 1), 0, coordinate(), coordinate(),
+                              coordinate()));
+        if (round % 50 == 7) list.Get(round % count)->SetX(std::nan(""));
+        const OvPoint query(0, coordinate(), coordinate(), coordinate(), 0);
+
+        const OvPoint* expected = nullptr;
+        double expectedDistance = 0.0;
+        for (const OvPoint* p = list.First(); p != nullptr; p = p->Next()) {
+            const double d = p->Distance(query);
+            if (expected != nullptr && d == expectedDistance) ++ties;
+            if (expected == nullptr || d < expectedDistance) {
+                expected = p;
+                expectedDistance = d;
+            }
+        }
+        double distance = -1.0;
+        ASSERT_EQ(list.FindNearest(query, &distance), expected) << "round " << round;
+        if (std::isnan(expectedDistance)) {
+            EXPECT_TRUE(std::isnan(distance));
+        } else {
+            EXPECT_EQ(distance, expectedDistance);
+        }
+    }
+    EXPECT_GT(ties, 50);
 }
 
 TEST(FindOvPointById, EachPartnerServesOnce) {
