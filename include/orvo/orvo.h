@@ -30,6 +30,7 @@
 #include "orvo/model/camera_cv.h"
 #include "orvo/model/camera_list.h"
 #include "orvo/model/format_table.h"
+#include "orvo/model/ortho_photo.h"
 #include "orvo/model/photo.h"
 #include "orvo/model/photo_list.h"
 #include "orvo/model/point.h"

@@ -1,0 +1,58 @@
+// Reading and writing ortho photo records.
+#include <ostream>
+
+#include "../rectify/record_tokens.h"
+#include "../rectify/record_writing.h"
+#include "orvo/model/ortho_photo.h"
+#include "orvo/textfile/reader.h"
+
+namespace orvo {
+
+std::int32_t OvOrthoPhoto::ReadIdHdl(void* readerObject) {
+    auto* object = static_cast<OvReaderObject*>(readerObject);
+    if (OvReader* reader = detail::ReaderOf(object)) {
+        detail::RecordTokens tokens(*reader);
+        if (!tokens.AtDataEnd()) OvObject::Read(object);
+        tokens.SkipToBlockEnd();
+    }
+    return 1;
+}
+
+int OvOrthoPhoto::Read(OvReaderObject* object) {
+    if (detail::ReaderOf(object) == nullptr) return 1;
+    // The photo's own fields are reached through their accessors: read into copies, put back.
+    String comment = GetComment();
+    double scale = GetScale();
+    OvRegion pixels = GetDigiRegion();
+    object->RegisterObject(OvReaderObject("ID", Link(this, &OvOrthoPhoto::ReadIdHdl)));
+    object->RegisterObject(OvReaderObject("COMMENT", &comment));
+    object->RegisterObject(OvReaderObject("RECTPIXEL", &rectPixel_));
+    object->RegisterObject(OvReaderObject("TIME", &time_));
+    object->RegisterObject(OvReaderObject("SCALE", &scale));
+    object->RegisterObject(OvReaderObject("PLANEANGLE", &maxAngle_));
+    object->RegisterObject(OvReaderObject("PIXELSIZE", Link(&pixels, &OvRegion::ReadHdl)));
+    object->RegisterObject(OvReaderObject("OBJECTSIZE", Link(&objectRegion_, &OvRegion::ReadHdl)));
+    object->RegisterObject(
+        OvReaderObject("PLANEINFO", Link(&planes_, &OvTiltPlaneInfoList::AddPlaneHdl)));
+    object->DoProcess();
+    SetComment(comment);
+    SetScale(scale);
+    SetDigiRegion(pixels);
+    return 1;
+}
+
+std::ostream& OvOrthoPhoto::Write(std::ostream& out) const {
+    detail::InlineObject(out, "ID", *this);
+    detail::QuotedLine(out, "COMMENT", GetComment());
+    detail::NumberLine(out, "RECTPIXEL", rectPixel_);
+    detail::NumberLine(out, "TIME", time_);
+    detail::NumberLine(out, "SCALE", GetScale());
+    detail::NumberLine(out, "PLANEANGLE", maxAngle_);
+    detail::InlineBlock(out, "PIXELSIZE", GetDigiRegion());
+    detail::InlineBlock(out, "OBJECTSIZE", objectRegion_);
+    for (const OvTiltPlaneInfo* plane = planes_.First(); plane != nullptr; plane = plane->Next())
+        detail::BlockLines(out, "PLANEINFO", *plane);
+    return out;
+}
+
+}  // namespace orvo
