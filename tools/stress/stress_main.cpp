@@ -124,6 +124,8 @@ int ReadBlocks(const char* file) {
     if (const orvo::OvReaderError* first = reader.GetReaderErrorList().First()) {
         std::cout << "first_error: line " << first->GetLine() << " " << first->GetStatusText()
                   << "\n";
+        const orvo::OvReaderError* last = reader.GetReaderErrorList().Last();
+        std::cout << "last_error: line " << last->GetLine() << " " << last->GetStatusText() << "\n";
     }
     std::cout << "read_seconds: " << seconds << "\n";
     return 0;
