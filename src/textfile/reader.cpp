@@ -182,7 +182,8 @@ bool OvReader::ProcessKeyword(bool continueAfterBlockEnd, bool& pending) {
 void OvReader::SkipCurrentBlock() {
     // A skipped block counts as a read error, recorded with the parser's present status.
     RecordError(parser.GetStatus());
-    int depth = 1;
+    // 64 bits: a file of more than 2^31 nested "{" must not overflow the count.
+    std::int64_t depth = 1;
     for (;;) {
         Advance();
         switch (parser.GetToken().GetType()) {
