@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "extended_precision.h"
 #include "orvo/model/point.h"
 #include "orvo/numerics/matrix.h"
 
@@ -14,32 +15,44 @@ namespace {
 // that many bits to cancellation and is formed again in extended precision.
 constexpr double kCancellation = 65536.0;
 
-// c0 + c1 x + c2 y + c3 x^2 + c4 x y + c5 y^2 + c6 x^3 + c7 x^2 y + c8 x y^2 + c9 y^3.
+// x' = c0 + c1 x + c2 y + c3 x^2 + c4 x y + c5 y^2 + c6 x^3 + c7 x^2 y + c8 x y^2 + c9 y^3
+// with c = p0..p9, and y' the same with p10..p19.
 //
-// On ordinary coordinates this is the plain double sum. On coordinates whose offset dwarfs their
-// spread (national-grid metres, x around 4.5e6) the cubic terms reach 1e12 and more while the
-// value stays near 1e6, and the plain sum loses millimetres; there the sum is formed again in
-// long double (extended precision where the platform has it), which keeps what the parameters
-// themselves can hold.
-double EvaluatePolynomial(const double* c, double x, double y) {
-    const double m[10] = {1.0,   x,         y,         x * x,     x * y,
-                          y * y, x * x * x, x * x * y, x * y * y, y * y * y};
-    double sum = c[0] * m[0];
-    double magnitude = std::fabs(sum);
-    for (int k = 1; k < 10; ++k) {
-        const double term = c[k] * m[k];
-        sum += term;
-        magnitude += std::fabs(term);
-    }
-    if (!(magnitude > kCancellation * std::fabs(sum))) return sum;
-    const long double lx = x;
-    const long double ly = y;
-    const long double lm[10] = {1.0L,    lx,           ly,           lx * lx,      lx * ly,
-                                ly * ly, lx * lx * lx, lx * lx * ly, lx * ly * ly, ly * ly * ly};
-    long double extended = 0.0L;
+// On ordinary coordinates these are the plain double sums. On coordinates whose offset dwarfs
+// their spread (national-grid metres, x around 4.5e6) the cubic terms reach 1e12 and more while
+// the value stays near 1e6, and the plain sum loses millimetres; there the sum is formed again
+// in long double (extended precision where the platform has it), which keeps what the
+// parameters themselves can hold.
+double ExtendedSum(const double* c, double x, double y) {
+    const OvWide lx = x;
+    const OvWide ly = y;
+    const OvWide m[10] = {1.0L,    lx,           ly,           lx * lx,      lx * ly,
+                          ly * ly, lx * lx * lx, lx * lx * ly, lx * ly * ly, ly * ly * ly};
+    OvWide sum = 0.0L;
     for (int k = 0; k < 10; ++k)
-        extended += static_cast<long double>(c[k]) * lm[k];
-    return static_cast<double>(extended);
+        sum += static_cast<OvWide>(c[k]) * m[k];
+    return OvNarrow(sum);
+}
+
+void TransformPolynomial(const double* p, double* x, double* y) {
+    const double px = *x;
+    const double py = *y;
+    const double m[10] = {1.0,     px,           py,           px * px,      px * py,
+                          py * py, px * px * px, px * px * py, px * py * py, py * py * py};
+    double sumX = p[0];
+    double sumY = p[10];
+    double sizeX = std::fabs(sumX);
+    double sizeY = std::fabs(sumY);
+    for (int k = 1; k < 10; ++k) {
+        const double termX = p[k] * m[k];
+        const double termY = p[10 + k] * m[k];
+        sumX += termX;
+        sumY += termY;
+        sizeX += std::fabs(termX);
+        sizeY += std::fabs(termY);
+    }
+    *x = sizeX > kCancellation * std::fabs(sumX) ? ExtendedSum(p, px, py) : sumX;
+    *y = sizeY > kCancellation * std::fabs(sumY) ? ExtendedSum(p + 10, px, py) : sumY;
 }
 
 }  // namespace
@@ -132,8 +145,7 @@ bool OvTrafo2d::Transform(double* x, double* y) const {
             return true;
         }
         case eOvTrafo2DPolynomial:
-            *x = EvaluatePolynomial(p, px, py);
-            *y = EvaluatePolynomial(p + 10, px, py);
+            TransformPolynomial(p, x, y);
             return true;
         default:
             return false;

@@ -115,16 +115,25 @@ bool SolveReduced(eOvTrafo2DType type, int u, const std::vector<Pair>& pairs, co
         solution->params[trafo2d::ParamOfUnknown(type, k)] = x[k + 1];
     if (!AllFinite(solution->params, u)) return false;
 
-    // N^-1 = R^-1 R^-T, with R^-T in columns u + 2..2u + 1 of lines 1..u.
+    // N^-1 = R^-1 R^-T, with R^-T (lower triangular) in columns u + 2..2u + 1 of lines 1..u.
+    std::vector<double> inverseFactor(static_cast<std::size_t>(u) * u);
+    for (int i = 1; i <= u; ++i) {
+        const double* line = system[i];
+        for (int j = 0; j < u; ++j)
+            inverseFactor[static_cast<std::size_t>(i - 1) * u + j] = line[u + 1 + j];
+    }
     solution->cofactor.assign(static_cast<std::size_t>(u) * u, 0.0);
     for (int j = 0; j < u; ++j) {
-        for (int l = 0; l < u; ++l) {
+        for (int l = j; l < u; ++l) {
             double sum = 0.0;
-            for (int i = 1; i <= u; ++i)
-                sum += system[i][u + 1 + j] * system[i][u + 1 + l];
-            const int pj = trafo2d::ParamOfUnknown(type, j);
-            const int pl = trafo2d::ParamOfUnknown(type, l);
-            solution->cofactor[static_cast<std::size_t>(pj) * u + pl] = sum;
+            for (int i = l; i < u; ++i) {
+                sum += inverseFactor[static_cast<std::size_t>(i) * u + j] *
+                       inverseFactor[static_cast<std::size_t>(i) * u + l];
+            }
+            const std::size_t pj = static_cast<std::size_t>(trafo2d::ParamOfUnknown(type, j));
+            const std::size_t pl = static_cast<std::size_t>(trafo2d::ParamOfUnknown(type, l));
+            solution->cofactor[pj * u + pl] = sum;
+            solution->cofactor[pl * u + pj] = sum;
         }
     }
     return true;

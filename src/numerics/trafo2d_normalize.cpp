@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "extended_precision.h"
+
 namespace orvo::trafo2d {
 
 void FrameBuilder::Add(double x, double y) {
@@ -79,7 +81,7 @@ void DenormalizeLinearTypes(eOvTrafo2DType type, const Frame& in, const Frame& o
             // The terms grow with the cube of the offset and cancel in the sum, so they are
             // summed in long double: the result is then the double nearest to the exact
             // parameter where the platform has extended precision.
-            using Wide = long double;
+            using Wide = OvWide;
             Wide powK[4], powShiftX[4], powShiftY[4];
             powK[0] = powShiftX[0] = powShiftY[0] = 1.0L;
             for (int e = 1; e < 4; ++e) {
@@ -105,7 +107,7 @@ void DenormalizeLinearTypes(eOvTrafo2DType type, const Frame& in, const Frame& o
             sums[0] += cx;
             sums[10] += cy;
             for (int i = 0; i < 20; ++i)
-                p[i] = static_cast<double>(sums[i]);
+                p[i] = OvNarrow(sums[i]);
             return;
         }
         default:
