@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -159,6 +160,54 @@ TEST(Crc32, IncrementalUpdateGivesWholeBufferCrc) {
     }
     EXPECT_EQ(running, expected);
     EXPECT_EQ(orvo::OvCrc32Update(0, "123456789", 9), 0xCBF43926U);
+}
+
+// The sliced kernel against the byte-at-a-time one and the bitwise reference: every length from
+// 0 to 64 (all tails of the eight-byte steps, one to eight full steps) at every offset 0..15
+// into a random buffer, from random starting registers, plus longer random pieces.
+TEST(Crc32, SlicedKernelEqualsBytewiseKernel) {
+    std::mt19937 random(20240611U);
+    std::vector<unsigned char> data(64 + 16 + 4096);
+    for (auto& byte : data)
+        byte = static_cast<unsigned char>(random());
+
+    for (std::size_t offset = 0; offset < 16; ++offset) {
+        for (std::size_t length = 0; length <= 64; ++length) {
+            const unsigned char* piece = data.data() + offset;
+            const std::uint32_t start = (length % 3 == 0) ? 0xFFFFFFFFU : random();
+            const std::uint32_t bytewise = orvo::OvCrc32RegisterBytewise(start, piece, length);
+            ASSERT_EQ(orvo::OvCrc32RegisterSliced(start, piece, length), bytewise)
+                << "offset " << offset << ", length " << length;
+            ASSERT_EQ(bytewise, PlainCrcRegister(start, std::string(piece, piece + length)))
+                << "offset " << offset << ", length " << length;
+        }
+    }
+    for (int round = 0; round < 200; ++round) {
+        const std::size_t offset = random() % 64;
+        const std::size_t length = random() % (data.size() - offset + 1);
+        const std::uint32_t start = random();
+        ASSERT_EQ(orvo::OvCrc32RegisterSliced(start, data.data() + offset, length),
+                  orvo::OvCrc32RegisterBytewise(start, data.data() + offset, length))
+            << "offset " << offset << ", length " << length;
+    }
+
+    EXPECT_EQ(~orvo::OvCrc32RegisterSliced(0xFFFFFFFFU, "123456789", 9), 0xCBF43926U);
+    EXPECT_EQ(~orvo::OvCrc32RegisterBytewise(0xFFFFFFFFU, "123456789", 9), 0xCBF43926U);
+    EXPECT_EQ(orvo::OvCrc32RegisterSliced(0x1234U, nullptr, 5), 0x1234U);
+    EXPECT_EQ(orvo::OvCrc32RegisterBytewise(0x1234U, nullptr, 5), 0x1234U);
+}
+
+// The chaining rule holds for pieces long enough to go through the sliced steps, cut at
+// places that are not multiples of eight.
+TEST(Crc32, ChainingOverLongPiecesContinuesFromReturnedValue) {
+    const std::vector<unsigned char> data = PatternBuffer(1000);
+    const std::string first(data.begin(), data.begin() + 613);
+    const std::string second(data.begin() + 613, data.end());
+    OvCalcCRC32 crc;
+    const std::uint32_t returned = crc.Crc(first.data(), static_cast<unsigned int>(first.size()));
+    EXPECT_EQ(returned, ~PlainCrcRegister(0xFFFFFFFFU, first));
+    EXPECT_EQ(crc.Crc(second.data(), static_cast<unsigned int>(second.size())),
+              ~PlainCrcRegister(returned, second));
 }
 
 TEST(ChecksumFile, DigestsFileInBlocksAndRejectsUnreadable) {
