@@ -109,7 +109,13 @@ private:
     OvParser& Parser() { return reader_.GetParser(); }
     std::int32_t Int() { return Parser().GetTokenInt(); }
     std::uint32_t Unsigned() { return detail::IdFromToken(Parser().GetToken(TokenInt)); }
-    double Number() { return Parser().GetTokenNumber(); }
+    double Number() {
+        const double value = Parser().GetTokenNumber();
+        // "-0" is an integer token: keep the sign that a negative zero was written with.
+        const OvParserToken& token = Parser().GetToken();
+        if (value == 0.0 && token.GetType() == TokenInt && token.text[0] == '-') return -0.0;
+        return value;
+    }
     String Text() { return String(Parser().GetTokenString()); }
     void ReadUserData();
     void ReadType();
@@ -117,7 +123,7 @@ private:
 
     OvPhoto& photo_;
     OvReader& reader_;
-    OvReaderObject* object_ = nullptr;
+    OvReaderObject* object_ = nullptr;  // the binding whose value or block is being read
     bool checkActive_ = false;
     std::vector<std::unique_ptr<Slot>> slots_;
 
@@ -197,6 +203,7 @@ void OvPhotoRecordReader::SkipTiltBlock(const char* keyword) {
 // -- dispatch ----------------------------------------------------------------------------------
 
 void OvPhotoRecordReader::Dispatch(const Slot& slot, OvReaderObject* object) {
+    object_ = object;
     // A block's handler runs in the fresh scope the reader opened for it; a value's handler and
     // the catch-all run in the photo's own scope, where the slot's binding is registered.
     const bool inBlock = !reader_.GetCurrentScope()->GetObjects().Exist(object);
@@ -304,7 +311,6 @@ void OvPhotoRecordReader::RestoreTrailingError() {
 // -- the record --------------------------------------------------------------------------------
 
 void OvPhotoRecordReader::Run(OvReaderObject* object) {
-    object_ = object;
     BindAll();
 
     // The slots die with this object: their bindings must not outlive it, also when the read

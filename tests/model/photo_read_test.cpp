@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -205,6 +206,11 @@ TEST(PhotoRead, NumbersAreClampedOrReadExactly) {
     EXPECT_EQ(photo.GetDigitizerId(), 4294967295u);
     EXPECT_EQ(photo.GetReseauData().GetSubId(), 0u);
     EXPECT_EQ(photo.GetScale(), 12.0);
+
+    // A negative zero is written as "-0" and reads back with its sign.
+    PhotoBlocks zero;
+    zero.Read("PHOTO { SCALE -0 }");
+    EXPECT_TRUE(std::signbit(zero.Only().GetScale()));
 }
 
 TEST(PhotoRead, DamagedEntriesAreReportedAndSkipped) {

@@ -207,6 +207,26 @@ TEST(ProjectFileDisk, WriteAndReadAFile) {
     EXPECT_FALSE(OvWriteProjectFile(String(dir.file("no/such/dir.pro").c_str()), photos));
 }
 
+// The example of the README is what the writer writes: it reads without a problem and writes
+// back to the same text.
+TEST(ProjectFileReadme, ExampleReadsAndWritesBack) {
+    const std::string readme = test::ReadWholeFile(std::string(ORVO_SOURCE_DIR) + "/README.md");
+    const std::size_t section = readme.find("## Project files");
+    ASSERT_NE(section, std::string::npos);
+    const std::size_t open = readme.find("```\n", section);
+    ASSERT_NE(open, std::string::npos);
+    const std::size_t close = readme.find("```\n", open + 4);
+    ASSERT_NE(close, std::string::npos);
+    const std::string example = readme.substr(open + 4, close - open - 4);
+
+    OvPhotoList photos;
+    OvProjectFileErrors errors;
+    std::istringstream in(example);
+    EXPECT_EQ(OvReadProject(in, "chapel.pro", photos, &errors), 2);
+    EXPECT_TRUE(errors.empty());
+    EXPECT_EQ(Written(photos), example);
+}
+
 class CollectingLogger : public OvLogger {
 public:
     CollectingLogger() : OvLogger(5) {}
