@@ -5,6 +5,7 @@
 #include "../rectify/record_writing.h"
 #include "orvo/model/ortho_photo.h"
 #include "orvo/textfile/reader.h"
+#include "orvo/textfile/writer.h"
 
 namespace orvo {
 
@@ -34,7 +35,7 @@ int OvOrthoPhoto::Read(OvReaderObject* object) {
     object->RegisterObject(OvReaderObject("OBJECTSIZE", Link(&objectRegion_, &OvRegion::ReadHdl)));
     object->RegisterObject(
         OvReaderObject("PLANEINFO", Link(&planes_, &OvTiltPlaneInfoList::AddPlaneHdl)));
-    object->DoProcess();
+    detail::ProcessBlock(object);
     SetComment(comment);
     SetScale(scale);
     SetDigiRegion(pixels);
@@ -52,6 +53,15 @@ std::ostream& OvOrthoPhoto::Write(std::ostream& out) const {
     detail::InlineBlock(out, "OBJECTSIZE", objectRegion_);
     for (const OvTiltPlaneInfo* plane = planes_.First(); plane != nullptr; plane = plane->Next())
         detail::BlockLines(out, "PLANEINFO", *plane);
+    return out;
+}
+
+std::ostream& OvOrthoPhotoList::Write(std::ostream& out) const {
+    for (const OvOrthoPhoto* photo = First(); photo != nullptr; photo = photo->Next()) {
+        out << "ORTHOPHOTO" << Ovendl << OvBeginBlockNL;
+        photo->Write(out);
+        out << OvEndBlockNL << Ovendl << Ovendl;
+    }
     return out;
 }
 

@@ -119,7 +119,6 @@ private:
     String Text() { return String(Parser().GetTokenString()); }
     void ReadUserData();
     void ReadType();
-    void SkipTiltBlock(const char* keyword);
 
     OvPhoto& photo_;
     OvReader& reader_;
@@ -162,8 +161,8 @@ void OvPhotoRecordReader::BindAll() {
     Block("PRERESTRAFO", [this, &p] { p.preTrafo_.Read(object_); });
     Block("MAINRESTRAFO", [this, &p] { p.mainTrafo_.Read(object_); });
     Block("POLYRESINVTRAFO", [this, &p] { p.polyInvTrafo_.Read(object_); });
-    Block("TILTTRAFO", [this] { SkipTiltBlock("TILTTRAFO"); });
-    Block("TILTPLANE", [this] { SkipTiltBlock("TILTPLANE"); });
+    Block("TILTTRAFO", [this, &p] { p.tilts_.AddTrafoV50(object_); });
+    Block("TILTPLANE", [this, &p] { p.tilts_.AddTrafo(object_); });
     Block("SCREENPOS", [this, &p] { p.screenPos_.Read(object_); });
     Value("SCREENSIZE", [this, &p] { p.screenScale_ = Int(); });
     // Reserved keywords of the photo record: known, and ignored with their value or block.
@@ -191,13 +190,6 @@ void OvPhotoRecordReader::ReadType() {
     photo_.phototype_ = static_cast<eOvPhototype>(Int());
     reader_.Advance();
     photo_.digitizerId_ = Unsigned();
-}
-
-void OvPhotoRecordReader::SkipTiltBlock(const char* keyword) {
-    String what(keyword);
-    what += ": tilt transforms are not read, the block is skipped";
-    detail::ReportReadProblem(reader_, what.chars());
-    SkipToBlockEnd(reader_);
 }
 
 // -- dispatch ----------------------------------------------------------------------------------

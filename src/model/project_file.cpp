@@ -38,12 +38,17 @@ String KeywordText(const char* text) {
 // eager: the reader takes a trailing "ParserErrorNotSpecifiedToken" back when a run ends.
 class ProjectReadSession : public LinkHdl {
 public:
-    ProjectReadSession(OvReader& reader, OvPhotoList& photos) : reader_(reader), photos_(photos) {}
+    ProjectReadSession(OvReader& reader, OvPhotoList& photos, OvOrthoPhotoList* orthos)
+        : reader_(reader), photos_(photos), orthos_(orthos) {}
 
     int Run(OvProjectFileErrors* errors);
 
 private:
     std::int32_t OnPhoto(void* object);
+    std::int32_t OnOrthoPhoto(void* object);
+    // Reads one record block ("PHOTO", "ORTHOPHOTO") into the list.
+    template <class Record, class List>
+    std::int32_t OnRecord(void* object, List& list, const char* keyword);
     std::int32_t OnStray(void* object);
     std::int32_t OnUnknownKeyword(void* reader);
     std::int32_t OnParserError(void* reader);
@@ -59,6 +64,7 @@ private:
 
     OvReader& reader_;
     OvPhotoList& photos_;
+    OvOrthoPhotoList* orthos_;
     OvProjectFileErrors collected_;
     int seen_ = 0;
     int read_ = 0;
@@ -66,6 +72,10 @@ private:
 
 int ProjectReadSession::Run(OvProjectFileErrors* errors) {
     reader_.RegisterObject(OvReaderObject("PHOTO", Link(this, &ProjectReadSession::OnPhoto)));
+    if (orthos_ != nullptr) {
+        reader_.RegisterObject(
+            OvReaderObject("ORTHOPHOTO", Link(this, &ProjectReadSession::OnOrthoPhoto)));
+    }
     reader_.RegisterObject(OvReaderObject(Link(this, &ProjectReadSession::OnStray)));
     reader_.SkipUnknownToken(false);
     reader_.SetUnknownTokenHdl(Link(this, &ProjectReadSession::OnUnknownKeyword));
@@ -102,20 +112,31 @@ void ProjectReadSession::Collect() {
 }
 
 std::int32_t ProjectReadSession::OnPhoto(void* arg) {
+    return OnRecord<OvPhoto>(arg, photos_, "PHOTO");
+}
+
+std::int32_t ProjectReadSession::OnOrthoPhoto(void* arg) {
+    return OnRecord<OvOrthoPhoto>(arg, *orthos_, "ORTHOPHOTO");
+}
+
+template <class Record, class List>
+std::int32_t ProjectReadSession::OnRecord(void* arg, List& list, const char* keyword) {
     auto* object = static_cast<OvReaderObject*>(arg);
     if (!InOwnBlock(object)) {
-        Report("PHOTO: a block is expected");
+        Report((std::string(keyword) + ": a block is expected").c_str());
         detail::ResyncAfterValue(reader_);
         Collect();
         return 1;
     }
     const std::uint32_t firstLine = reader_.GetParser().GetStatus().GetLine();
-    auto photo = std::make_unique<OvPhoto>(object);
+    auto photo = std::make_unique<Record>(object);
     if (CurrentType() == TokenEOF) {
-        Report("PHOTO: the block is cut off by the end of the file; the photo is not kept",
+        Report((std::string(keyword) +
+                ": the block is cut off by the end of the file; the photo is not kept")
+                   .c_str(),
                firstLine);
     } else {
-        photos_.Add(photo.release());
+        list.Add(photo.release());
         ++read_;
         detail::StepOverStrayTokens(reader_, "a keyword is expected");
     }
@@ -158,8 +179,9 @@ std::int32_t ProjectReadSession::OnParserError(void* /*reader*/) {
     return 1;  // go on: one damaged entry must not hide the photos behind it
 }
 
-int ReadWith(OvReader& reader, OvPhotoList& photos, OvProjectFileErrors* errors) {
-    ProjectReadSession session(reader, photos);
+int ReadWith(OvReader& reader, OvPhotoList& photos, OvOrthoPhotoList* orthos,
+             OvProjectFileErrors* errors) {
+    ProjectReadSession session(reader, photos, orthos);
     return session.Run(errors);
 }
 
@@ -175,13 +197,25 @@ String OvProjectFileError::Format() const {
 
 int OvReadProjectFile(const String& fileName, OvPhotoList& photos, OvProjectFileErrors* errors) {
     OvReader reader(fileName);
-    return ReadWith(reader, photos, errors);
+    return ReadWith(reader, photos, nullptr, errors);
 }
 
 int OvReadProject(std::istream& in, const String& name, OvPhotoList& photos,
                   OvProjectFileErrors* errors) {
     OvReader reader(in, name);
-    return ReadWith(reader, photos, errors);
+    return ReadWith(reader, photos, nullptr, errors);
+}
+
+int OvReadProjectFile(const String& fileName, OvPhotoList& photos, OvOrthoPhotoList& orthos,
+                      OvProjectFileErrors* errors) {
+    OvReader reader(fileName);
+    return ReadWith(reader, photos, &orthos, errors);
+}
+
+int OvReadProject(std::istream& in, const String& name, OvPhotoList& photos,
+                  OvOrthoPhotoList& orthos, OvProjectFileErrors* errors) {
+    OvReader reader(in, name);
+    return ReadWith(reader, photos, &orthos, errors);
 }
 
 std::ostream& OvWriteProject(std::ostream& out, const OvPhotoList& photos) {
@@ -199,6 +233,20 @@ std::ostream& OvWriteProject(std::ostream& out, const OvPhotoList& photos) {
 bool OvWriteProjectFile(const String& fileName, const OvPhotoList& photos) {
     std::ostringstream text;
     OvWriteProject(text, photos);
+    if (!text) return false;
+    return OvWriteFileAtomically(fileName.chars(), text.str());
+}
+
+std::ostream& OvWriteProject(std::ostream& out, const OvPhotoList& photos,
+                             const OvOrthoPhotoList& orthos) {
+    OvWriteProject(out, photos);
+    return orthos.Write(out);
+}
+
+bool OvWriteProjectFile(const String& fileName, const OvPhotoList& photos,
+                        const OvOrthoPhotoList& orthos) {
+    std::ostringstream text;
+    OvWriteProject(text, photos, orthos);
     if (!text) return false;
     return OvWriteFileAtomically(fileName.chars(), text.str());
 }

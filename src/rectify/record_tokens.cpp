@@ -1,9 +1,23 @@
 // Reading the fields of rectification records.
 #include "record_tokens.h"
 
+#include <memory>
+
 #include "../foundation/token_id.h"
 
 namespace orvo::detail {
+
+int ProcessBlock(OvReaderObject* object) {
+    OvReader* reader = ReaderOf(object);
+    if (reader == nullptr) return 0;
+    OvReaderErrorList& errors = reader->GetReaderErrorList();
+    const int before = errors.Count();
+    std::unique_ptr<OvReaderError> last(errors.Last() != nullptr ? new OvReaderError(*errors.Last())
+                                                                 : nullptr);
+    const int result = object->DoProcess();
+    if (last != nullptr && errors.Count() == before - 1) errors.Add(last.release());
+    return result;
+}
 
 bool RecordTokens::AtDataEnd() const {
     const eOvTokentype type = parser_.GetToken().GetType();

@@ -16,6 +16,11 @@ inline OvReader* ReaderOf(OvReaderObject* object) {
     return object != nullptr ? object->GetReader() : nullptr;
 }
 
+/// `object->DoProcess()` for a record's block, keeping the errors of the reads around it: the
+/// reader takes a trailing "ParserErrorNotSpecifiedToken" back when a run ends, also one that
+/// an enclosing record had recorded before this run began; such an error is put back.
+int ProcessBlock(OvReaderObject* object);
+
 /// The tokens of one record, read with the handlers' advance rule.
 ///
 /// A "}" or the end of the input where a field belongs ends the record's data: the field

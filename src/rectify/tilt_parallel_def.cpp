@@ -214,7 +214,7 @@ int OvTiltParallelDef::Read(OvReaderObject* object) {
         OvReaderObject("DEFLINE", Link(&lines_, &OvTiltDefLineList::AddObjectHdl)));
     object->RegisterObject(OvReaderObject(
         "CONSTRAINT", Link(&constraints_, &OvTiltDefLineConstraintList::AddObjectHdl)));
-    object->DoProcess();
+    detail::ProcessBlock(object);
     return 1;
 }
 

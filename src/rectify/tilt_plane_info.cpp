@@ -125,7 +125,7 @@ int OvTiltPlaneInfo::Read(OvReaderObject* object) {
     object->RegisterObject(
         OvReaderObject("TRANSFORMATION", Link(this, &OvTiltPlaneInfo::ReadTransformationHdl)));
     object->RegisterObject(OvReaderObject("TILTRANGE", Link(&range_, &OvPolygon::ReadHdl)));
-    object->DoProcess();
+    detail::ProcessBlock(object);
     return 1;
 }
 

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "orvo/model/point.h"
+#include "orvo/model/point_list.h"
 #include "orvo/rectify/tilt_trafo.h"
 #include "orvo/textfile/reader.h"
 #include "orvo/textfile/writer.h"
@@ -31,9 +32,34 @@ void ReadSquareMatrix(OvReaderObject* object, OvMatrix& target, const char* what
     tokens.SkipToBlockEnd();
 }
 
+// Reads the point records of a block into a point-set polygon with its mode's columns (mode 1:
+// id, x, y; mode 3: id, x, y, z), replacing its points. Unlike a region's block, where two
+// points stand for the rectangle through them, two points stay two points here.
+void ReadPointSet(OvReaderObject* object, OvPolygon& polygon) {
+    if (detail::ReaderOf(object) == nullptr) return;
+    OvPointFormat columns;
+    columns.AddEntry(eOvPointRWId);
+    columns.AddEntry(eOvPointRWX);
+    columns.AddEntry(eOvPointRWY);
+    if (polygon.GetMode() == OvPolygonMode3DId) columns.AddEntry(eOvPointRWZ);
+    OvPointList read(columns);
+    read.Read(object);
+    polygon = OvPolygon(&read, polygon.GetMode());
+}
+
 }  // namespace
 
 // ---- the keyword block ---------------------------------------------------------------------
+
+std::int32_t OvTiltTrafo::ReadDefPointsHdl(void* readerObject) {
+    ReadPointSet(static_cast<OvReaderObject*>(readerObject), defPoints_);
+    return 1;
+}
+
+std::int32_t OvTiltTrafo::ReadMeasPointsHdl(void* readerObject) {
+    ReadPointSet(static_cast<OvReaderObject*>(readerObject), measPoints_);
+    return 1;
+}
 
 std::int32_t OvTiltTrafo::ReadIdHdl(void* readerObject) {
     auto* object = static_cast<OvReaderObject*>(readerObject);
@@ -88,12 +114,13 @@ int OvTiltTrafo::Read(OvReaderObject* object) {
     object->RegisterObject(OvReaderObject("REGIONACTIV", &regionActive));
     object->RegisterObject(OvReaderObject("TILTTRAFO", Link(this, &OvTiltTrafo::ReadTiltMatHdl)));
     object->RegisterObject(OvReaderObject("TRAFO3D", Link(this, &OvTiltTrafo::ReadTransMatHdl)));
-    object->RegisterObject(OvReaderObject("DEFPOINTS", Link(&defPoints_, &OvPolygon::ReadHdl)));
-    object->RegisterObject(OvReaderObject("MEASPOINTS", Link(&measPoints_, &OvPolygon::ReadHdl)));
+    object->RegisterObject(OvReaderObject("DEFPOINTS", Link(this, &OvTiltTrafo::ReadDefPointsHdl)));
+    object->RegisterObject(
+        OvReaderObject("MEASPOINTS", Link(this, &OvTiltTrafo::ReadMeasPointsHdl)));
     object->RegisterObject(OvReaderObject("VALIDREGION", Link(&region_, &OvPolygon::ReadHdl)));
     object->RegisterObject(
         OvReaderObject("PARALLELDEF", Link(this, &OvTiltTrafo::ReadParallelDefHdl)));
-    object->DoProcess();
+    detail::ProcessBlock(object);
 
     region_.GetPointList().Renumber(1);
     SetActive(active);

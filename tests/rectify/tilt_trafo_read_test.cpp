@@ -197,6 +197,29 @@ TEST(OvTiltTrafoReadTest, DamagedBlocksNeverBreakTheTransform) {
     EXPECT_TRUE(second.IsActive());
 }
 
+TEST(OvTiltTrafoReadTest, TwoPointsStayTwoExceptInTheValidRegion) {
+    const std::string text =
+        "TILTPLANE {\n"
+        "  MEASPOINTS { 4 1.5 2.5  9 3.5 -1 }\n"
+        "  DEFPOINTS { 4 0 0 0  9 2 0 1 }\n"
+        "  VALIDREGION { 0 0  10 5 }\n"
+        "}\n";
+    OvTiltTrafoList list;
+    EXPECT_EQ(ReadTrafos(text, list), 0);
+    ASSERT_EQ(list.Count(), 1);
+    const OvTiltTrafo& t = *list.First();
+    ASSERT_EQ(t.GetMeasPoints().Count(), 2);
+    EXPECT_EQ(t.GetMeasPoints().First()->GetId(), 4u);
+    EXPECT_EQ(t.GetMeasPoints().GetPointList().Last()->GetX(), 3.5);
+    EXPECT_EQ(t.GetMeasPoints().GetPointList().Last()->GetY(), -1.0);
+    EXPECT_EQ(t.GetMeasPoints().GetMin().GetY(), -1.0);
+    ASSERT_EQ(t.GetBikoList().Count(), 2);
+    EXPECT_EQ(t.GetBikoList().GetPointList().Last()->GetZ(), 1.0);
+    // A region of two corners is the rectangle through them.
+    EXPECT_EQ(t.GetRegion().Count(), 4);
+    EXPECT_EQ(t.GetRegion().GetMax().GetY(), 5.0);
+}
+
 TEST(OvTiltTrafoReadTest, TheOldPositionalRecord) {
     // id, name, active, m13 m23 m12 m22 m32 m11 m21 m31, {4 x 4}, {region}, four points.
     const std::string text =

@@ -118,6 +118,10 @@ public:
     OvOrthoPhoto* AddPhoto(OvReaderObject* reader);
     /// `AddPhoto` in the shape of a reader callback. Returns 1.
     std::int32_t AddPhotoHdl(void* readerObject);
+    /// Writes every ortho photo as an "ORTHOPHOTO" block, as the photo list writes its "PHOTO"
+    /// blocks: the keyword, `Ovendl`, `OvBeginBlockNL`, the record, `OvEndBlockNL`, `Ovendl`,
+    /// and an empty line after the block.
+    std::ostream& Write(std::ostream& out) const;
 };
 
 }  // namespace orvo

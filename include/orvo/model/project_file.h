@@ -17,7 +17,8 @@
 //
 // Reading a file that `OvWriteProject` wrote and writing the photos again gives the same bytes.
 // (The photo's point lists, attributes and the state bits other than "CHECKACTIVE" are not part
-// of the record; tilt transforms are written but not read yet.)
+// of the record.) Tilt transforms are read from both their forms, "TILTPLANE" and the older
+// "TILTTRAFO".
 //
 // Reading is forgiving: whatever is damaged is reported with its line number and stepped over,
 // and every photo that could be read is kept. Unknown keywords (at the top level or inside a
@@ -32,6 +33,7 @@
 #include <vector>
 
 #include "orvo/foundation/string.h"
+#include "orvo/model/ortho_photo.h"
 #include "orvo/model/photo_list.h"
 #include "orvo/textfile/tokenizer.h"
 
@@ -82,6 +84,21 @@ std::ostream& OvWriteProject(std::ostream& out, const OvPhotoList& photos);
 /// unless the new one was written completely. Returns whether the file was written.
 bool OvWriteProjectFile(const String& fileName, const OvPhotoList& photos);
 
+/// Projects with ortho photos: the top level holds "ORTHOPHOTO" blocks (each the record of
+/// `OvOrthoPhoto::Write`) besides the "PHOTO" blocks, in any order. These forms read both into
+/// their lists and return the number of photos and ortho photos appended; an "ORTHOPHOTO"
+/// block is read, reported and kept (or not) as a "PHOTO" block is. The forms without an ortho
+/// list report an "ORTHOPHOTO" block as an unknown keyword.
+int OvReadProjectFile(const String& fileName, OvPhotoList& photos, OvOrthoPhotoList& orthos,
+                      OvProjectFileErrors* errors = nullptr);
+int OvReadProject(std::istream& in, const String& name, OvPhotoList& photos,
+                  OvOrthoPhotoList& orthos, OvProjectFileErrors* errors = nullptr);
+/// Writes the header, the photos and then the ortho photos (`OvOrthoPhotoList::Write`).
+std::ostream& OvWriteProject(std::ostream& out, const OvPhotoList& photos,
+                             const OvOrthoPhotoList& orthos);
+/// The same to the named file, replacing it at once as above. Returns whether it was written.
+bool OvWriteProjectFile(const String& fileName, const OvPhotoList& photos,
+                        const OvOrthoPhotoList& orthos);
 /// Sends the problems of one read to the application logger at level 2: a header line
 /// ` <count> Read Error(s) in <file>:` and one line ` - <Format()>` per problem. Nothing for no
 /// problems.

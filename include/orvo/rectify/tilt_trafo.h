@@ -166,8 +166,10 @@ public:
     /// Reads the keyword block (see the top of this header), keywords in any order; a missing
     /// keyword leaves its member as it was, except the three state bits, which are set from
     /// "ACTIV", "KAMERA" and "REGIONACTIV" and cleared when those are absent. The measured
-    /// points are read with mode 1 and the definition points with mode 3; the valid region's
-    /// points are renumbered 1, 2, 3, ... afterwards. Returns 1.
+    /// points are read with mode 1 and the definition points with mode 3, point by point: two
+    /// points stay two points there, while a valid region of two points becomes the rectangle
+    /// through them as any region polygon does. The valid region's points are renumbered 1, 2,
+    /// 3, ... afterwards. Returns 1.
     int Read(OvReaderObject* reader);
     /// Reads the positional record of file version 5.0: id, name, the active flag (non-zero),
     /// eight numbers for the tilt matrix in the order m13, m23, m12, m22, m32, m11, m21, m31
@@ -189,6 +191,8 @@ private:
     std::int32_t ReadDistortionHdl(void* readerObject);
     std::int32_t ReadTiltMatHdl(void* readerObject);
     std::int32_t ReadTransMatHdl(void* readerObject);
+    std::int32_t ReadDefPointsHdl(void* readerObject);
+    std::int32_t ReadMeasPointsHdl(void* readerObject);
     std::int32_t ReadParallelDefHdl(void* readerObject);
     /// Points the parallel definition at this transform's measured points when `other` had
     /// it on its own.
