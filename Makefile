@@ -34,7 +34,7 @@ release:
 	cmake --build --preset release -j $(JOBS)
 
 demo: release
-	./build/release/tools/orvo tokens examples/project.txt
+	./build/release/tools/orvo demo examples
 
 bench: release
 	@if [ -x build/release/bench/orvo_bench ]; then ./build/release/bench/orvo_bench; \

@@ -1,50 +1,70 @@
+// The dispatcher and the conventions every command keeps: --help, --version, usage errors on
+// the error stream with exit status 2.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "cli/cli.h"
+#include "cli_run.h"
 
 namespace {
 
-struct CliResult {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-CliResult RunTool(std::vector<std::string> words) {
-    words.insert(words.begin(), "orvo");
-    std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
-    std::ostringstream out, err;
-    int code = orvo::cli::Run(static_cast<int>(argv.size()), argv.data(), out, err);
-    return {code, out.str(), err.str()};
-}
+using orvo::test::Contains;
+using orvo::test::RunOrvo;
 
 TEST(Cli, DispatchesAndReportsUsageErrors) {
-    CliResult none = RunTool({});
+    const orvo::test::CliResult none = RunOrvo({});
     EXPECT_EQ(none.code, 2);
-    EXPECT_NE(none.err.find("usage: orvo"), std::string::npos);
+    EXPECT_TRUE(Contains(none.err, "usage: orvo <command>"));
+    EXPECT_EQ(none.out, "");
 
-    CliResult unknown = RunTool({"frobnicate"});
+    const orvo::test::CliResult unknown = RunOrvo({"frobnicate"});
     EXPECT_EQ(unknown.code, 2);
-    EXPECT_NE(unknown.err.find("unknown command 'frobnicate'"), std::string::npos);
+    EXPECT_TRUE(Contains(unknown.err, "orvo: unknown command 'frobnicate'\n"));
+    EXPECT_EQ(unknown.out, "");
+}
 
-    CliResult version = RunTool({"version"});
-    EXPECT_EQ(version.code, 0);
-    EXPECT_EQ(version.out, "orvo 0.1.0\n");
-
-    EXPECT_EQ(RunTool({"version", "extra"}).code, 2);
+TEST(Cli, VersionAsCommandAndAsOption) {
+    EXPECT_EQ(RunOrvo({"version"}).out, "orvo 0.1.0\n");
+    EXPECT_EQ(RunOrvo({"--version"}).out, "orvo 0.1.0\n");
+    EXPECT_EQ(RunOrvo({"--version"}).code, 0);
+    const orvo::test::CliResult extra = RunOrvo({"version", "extra"});
+    EXPECT_EQ(extra.code, 2);
+    EXPECT_TRUE(Contains(extra.err, "orvo version: unexpected argument 'extra'\n"));
 }
 
 TEST(Cli, HelpListsEveryCommand) {
-    CliResult help = RunTool({"help"});
-    EXPECT_EQ(help.code, 0);
-    for (const orvo::cli::Command& command : orvo::cli::Commands()) {
-        EXPECT_NE(help.out.find(command.usage), std::string::npos) << command.name;
+    for (const char* word : {"help", "--help", "-h"}) {
+        const orvo::test::CliResult help = RunOrvo({word});
+        EXPECT_EQ(help.code, 0) << word;
+        EXPECT_EQ(help.err, "");
+        for (const orvo::cli::Command& command : orvo::cli::Commands()) {
+            EXPECT_TRUE(Contains(help.out, command.usage)) << command.name;
+        }
     }
+}
+
+// Every command answers --help (and "orvo help COMMAND") on the output stream with its usage
+// line, and an unknown option with exit status 2, the usage and a hint on the error stream.
+TEST(Cli, EveryCommandHasHelpAndRefusesUnknownOptions) {
+    for (const orvo::cli::Command& command : orvo::cli::Commands()) {
+        const std::string name = command.name;
+        const orvo::test::CliResult help = RunOrvo({name, "--help"});
+        EXPECT_EQ(help.code, 0) << name;
+        EXPECT_EQ(help.out.rfind("usage: orvo " + name + " [options]", 0), 0u) << help.out;
+        EXPECT_TRUE(Contains(help.out, "-h, --help")) << name;
+        EXPECT_EQ(help.err, "") << name;
+        EXPECT_EQ(RunOrvo({"help", name}).out, help.out) << name;
+
+        const orvo::test::CliResult wrong = RunOrvo({name, "--no-such-option"});
+        EXPECT_EQ(wrong.code, 2) << name;
+        EXPECT_EQ(wrong.out, "") << name;
+        EXPECT_TRUE(Contains(wrong.err, "orvo " + name + ": unknown option '--no-such-option'\n"))
+            << wrong.err;
+        EXPECT_TRUE(Contains(wrong.err, "Try 'orvo " + name + " --help' for more information."))
+            << name;
+    }
+    EXPECT_EQ(RunOrvo({"help", "nothing"}).code, 2);
 }
 
 }  // namespace

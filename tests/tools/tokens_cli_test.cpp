@@ -4,21 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "cli/cli.h"
+#include "cli_run.h"
 #include "temp_dir.h"
 
 namespace {
 
-struct TokensRun {
-    int code;
-    std::string out;
-    std::string err;
-};
+using TokensRun = orvo::test::CliResult;
 
-TokensRun RunTokens(const std::vector<std::string>& args) {
-    std::ostringstream out, err;
-    int code = orvo::cli::RunTokens(args, out, err);
-    return {code, out.str(), err.str()};
+TokensRun RunTokens(std::vector<std::string> args) {
+    args.insert(args.begin(), "tokens");
+    return orvo::test::RunOrvo(args);
 }
 
 TEST(TokensCommand, ListsLineKindAndText) {
@@ -81,7 +76,10 @@ TEST(TokensCommand, StopsAtAStreamError) {
 TEST(TokensCommand, UsageAndMissingFile) {
     TokensRun none = RunTokens({});
     EXPECT_EQ(none.code, 2);
-    EXPECT_EQ(none.err, "usage: orvo tokens FILE\n");
+    EXPECT_EQ(none.err,
+              "orvo tokens: missing argument FILE\n"
+              "usage: orvo tokens [options] FILE\n"
+              "Try 'orvo tokens --help' for more information.\n");
     EXPECT_EQ(RunTokens({"a", "b"}).code, 2);
 
     orvo::test::TempDir dir;
@@ -92,7 +90,7 @@ TEST(TokensCommand, UsageAndMissingFile) {
 }
 
 TEST(TokensCommand, TheBundledExampleReadsWithoutErrors) {
-    TokensRun run = RunTokens({std::string(ORVO_SOURCE_DIR) + "/examples/project.txt"});
+    TokensRun run = RunTokens({orvo::test::ExampleFile("chapel.pro")});
     EXPECT_EQ(run.code, 0) << run.out;
     EXPECT_EQ(run.err, "");
     EXPECT_NE(run.out.find("TokenKeyword     PHOTOID"), std::string::npos);

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "cli/cli.h"
+#include "cli/command_support.h"
 #include "orvo/textfile/tokenizer.h"
 
 namespace orvo::cli {
@@ -93,7 +94,7 @@ void PrintToken(std::ostream& out, const OvParser& parser) {
     out << "\n";
 }
 
-void PrintError(std::ostream& out, const OvParser& parser, const OvParserStatus& status) {
+void PrintTokenError(std::ostream& out, const OvParser& parser, const OvParserStatus& status) {
     PrintPrefix(out, status.GetLine(), "error", true);
     out << " " << status.GetStatusText();
     if (status.GetStatus() == ParserErrorUnterminatedString) {
@@ -106,33 +107,38 @@ void PrintError(std::ostream& out, const OvParser& parser, const OvParserStatus&
 
 }  // namespace
 
-int RunTokens(const Args& args, std::ostream& out, std::ostream& err) {
-    if (args.size() != 1) {
-        err << "usage: orvo tokens FILE\n";
-        return 2;
-    }
+int RunTokens(const Args& args, Io& io) {
+    ArgParser parser("orvo tokens",
+                     "List every token of a block file as the tokenizer delivers it: the line,\n"
+                     "the token kind and its text. Errors are shown in place; the exit status\n"
+                     "is 1 when there were any.");
+    parser.Positional("FILE", "the block file to list");
+    if (std::optional<int> exit = ParseOrExit(parser, args, io, "orvo tokens")) return *exit;
+    const std::string name = parser.PositionalOr("FILE", "");
+    std::ostream& out = io.out;
+
     // Binary mode: the tokenizer handles CR LF line ends itself on every system.
-    std::ifstream in(args[0], std::ios::binary);
+    std::ifstream in(name, std::ios::binary);
     if (!in) {
-        err << "orvo tokens: " << args[0] << ": cannot open file\n";
+        PrintError(io, "orvo tokens", name + ": cannot open file");
         return 1;
     }
 
-    OvParser parser;
+    OvParser tokenizer;
     std::uint32_t errors = 0;
     for (;;) {
         try {
-            parser.ParseForToken(in);
+            tokenizer.ParseForToken(in);
         } catch (const OvParserStatus& status) {
-            PrintError(out, parser, status);
+            PrintTokenError(out, tokenizer, status);
             ++errors;
             if (status.GetStatus() == ParserErrorStream) break;
             continue;  // the tokenizer has moved past the bad text
         }
-        PrintToken(out, parser);
-        if (parser.GetToken().GetType() == TokenEOF) break;
+        PrintToken(out, tokenizer);
+        if (tokenizer.GetToken().GetType() == TokenEOF) break;
     }
-    out << parser.GetStatus().GetTokenCount() << " tokens, " << errors
+    out << tokenizer.GetStatus().GetTokenCount() << " tokens, " << errors
         << (errors == 1 ? " error\n" : " errors\n");
     return errors == 0 ? 0 : 1;
 }
