@@ -243,8 +243,7 @@ void BM_PointFileRead(benchmark::State& state) {
         // The list's points are freed inside the timed part, as a caller's would be.
         state.SetIterationTime(Measure(own, [&] {
             OvPointList list;
-            benchmark::DoNotOptimize(list.ReadFile(fileName, mask));
-            count = list.Count();
+            count = list.ReadFile(fileName, mask);
         }));
         Measure(iostream, [&] { benchmark::DoNotOptimize(ReadBaseline(name, parsed)); });
         Measure(raw, [&] { lines = CountLinesRaw(name); });

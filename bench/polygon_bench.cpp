@@ -12,6 +12,7 @@
 #include <benchmark/benchmark.h>
 #include <time.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <random>
@@ -50,18 +51,22 @@ struct XY {
     double y;
 };
 
-// A star-shaped ring of a rectification's valid-region size (metres, with millimetre digits)
-// whose radius wanders, so that a horizontal line meets many edges.
-OvPolygon MakeStar() {
+// A star-shaped ring of a rectification's valid-region size (metres, with millimetre digits).
+// Shape 0, an outline: the radius wanders slowly, as along a digitised border. Shape 1, spiky:
+// every vertex takes a new random radius, so that many edges are tall and a horizontal line
+// meets a great many of them (the hard case for any index by height).
+OvPolygon MakeStar(int shape) {
     std::mt19937_64 random(4242);
     std::uniform_real_distribution<double> radius(300.0, 500.0);
+    std::uniform_real_distribution<double> step(-4.0, 4.0);
     OvPolygon polygon;
+    double r = 400.0;
     for (int i = 0; i < kVertices; ++i) {
         const double angle = 6.283185307179586 * i / kVertices;
-        const double r = radius(random);
-        polygon.AddPoint(OvPoint(static_cast<unsigned>(i + 1),
-                                 1000.0 + std::round(r * std::cos(angle) * 1000) / 1000,
-                                 2000.0 + std::round(r * std::sin(angle) * 1000) / 1000, 0.0, 0));
+        r = shape == 0 ? std::clamp(r + step(random), 300.0, 500.0) : radius(random);
+        const double x = 1000.0 + std::round(r * std::cos(angle) * 1000) / 1000;
+        const double y = 2000.0 + std::round(r * std::sin(angle) * 1000) / 1000;
+        polygon.AddPoint(OvPoint(static_cast<unsigned>(i + 1), x, y, 0.0, 0));
     }
     return polygon;
 }
@@ -154,25 +159,25 @@ void RunOverlap(benchmark::State& state, const OvPolygon& polygon, Test own) {
 }
 
 void BM_PolygonOverlapLiteral(benchmark::State& state) {
-    const OvPolygon polygon = MakeStar();
+    const OvPolygon polygon = MakeStar(static_cast<int>(state.range(0)));
     RunOverlap(state, polygon, [&polygon](const OvPoint& p) { return LiteralOverlap(polygon, p); });
 }
 
 void BM_PolygonOverlap(benchmark::State& state) {
-    const OvPolygon polygon = MakeStar();
+    const OvPolygon polygon = MakeStar(static_cast<int>(state.range(0)));
     RunOverlap(state, polygon, [&polygon](const OvPoint& p) { return polygon.Overlap(p); });
 }
 
 // The preparation is made once, before the timing, as a caller testing many points would.
 void BM_PreparedPolygonOverlap(benchmark::State& state) {
-    const OvPolygon polygon = MakeStar();
+    const OvPolygon polygon = MakeStar(static_cast<int>(state.range(0)));
     const OvPreparedPolygon prepared(polygon);
     RunOverlap(state, polygon, [&prepared](const OvPoint& p) { return prepared.Overlap(p); });
 }
 
 // What the preparation itself costs, per polygon of 1,000 vertices.
 void BM_PreparePolygon(benchmark::State& state) {
-    const OvPolygon polygon = MakeStar();
+    const OvPolygon polygon = MakeStar(static_cast<int>(state.range(0)));
     for (auto _ : state) {
         OvPreparedPolygon prepared(polygon);
         benchmark::DoNotOptimize(prepared.BandCount());
@@ -181,7 +186,7 @@ void BM_PreparePolygon(benchmark::State& state) {
 
 // FindNearest over the polygon's 1,000 vertices as a point list.
 void BM_FindNearest(benchmark::State& state) {
-    const OvPolygon polygon = MakeStar();
+    const OvPolygon polygon = MakeStar(static_cast<int>(state.range(0)));
     const OvPointList& list = polygon.GetPointList();
     const std::vector<OvPoint> queries = MakeQueries(polygon);
     struct XYZ {
@@ -229,10 +234,15 @@ void BM_FindNearest(benchmark::State& state) {
     Report(state, ownSeconds, plainSeconds, 0);
 }
 
-BENCHMARK(BM_PolygonOverlapLiteral)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_PolygonOverlap)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_PreparedPolygonOverlap)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_PreparePolygon)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_FindNearest)->UseManualTime()->Unit(benchmark::kMillisecond);
+// Argument: the shape (0 outline, 1 spiky).
+BENCHMARK(BM_PolygonOverlapLiteral)->UseManualTime()->Unit(benchmark::kMillisecond)->Arg(0)->Arg(1);
+BENCHMARK(BM_PolygonOverlap)->UseManualTime()->Unit(benchmark::kMillisecond)->Arg(0)->Arg(1);
+BENCHMARK(BM_PreparedPolygonOverlap)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Arg(0)
+    ->Arg(1);
+BENCHMARK(BM_PreparePolygon)->Unit(benchmark::kMicrosecond)->Arg(0)->Arg(1);
+BENCHMARK(BM_FindNearest)->UseManualTime()->Unit(benchmark::kMillisecond)->Arg(0);
 
 }  // namespace

@@ -39,11 +39,17 @@ inline void Adjust(XY& first, XY& second) {
     second = keep;
 }
 
+/// `Intersect` on two segments already put in order with `Adjust` (which is not idempotent:
+/// adjusting an adjusted pair may swap it again).
+inline bool IntersectAdjusted(XY a1, XY a2, XY b1, XY b2) {
+    if (CounterClockwise(a1, a2, b2) * CounterClockwise(a1, a2, b1) > 0) return false;
+    return CounterClockwise(b1, b2, a2) * CounterClockwise(b1, b2, a1) <= 0;
+}
+
 inline bool Intersect(XY a1, XY a2, XY b1, XY b2) {
     Adjust(a1, a2);
     Adjust(b1, b2);
-    if (CounterClockwise(a1, a2, b2) * CounterClockwise(a1, a2, b1) > 0) return false;
-    return CounterClockwise(b1, b2, a2) * CounterClockwise(b1, b2, a1) <= 0;
+    return IntersectAdjusted(a1, a2, b1, b2);
 }
 
 /// The horizontal test segment of the point-in-polygon test: from p to the right end x that the

@@ -74,9 +74,13 @@ void OvPreparedPolygon::BuildBands() {
     double lowY = ring_[0].y;
     double highY = ring_[0].y;
     for (std::size_t i = 0; i < n; ++i) {
-        const Vertex& start = ring_[i == 0 ? n - 1 : i - 1];
-        const Vertex& end = ring_[i];
-        edges.push_back({start, end, std::min(start.y, end.y), std::max(start.y, end.y)});
+        planar::XY start{ring_[i == 0 ? n - 1 : i - 1].x, ring_[i == 0 ? n - 1 : i - 1].y};
+        planar::XY end{ring_[i].x, ring_[i].y};
+        planar::Adjust(start, end);
+        edges.push_back({{start.x, start.y},
+                         {end.x, end.y},
+                         std::min(start.y, end.y),
+                         std::max(start.y, end.y)});
         lowY = std::min(lowY, end.y);
         highY = std::max(highY, end.y);
     }
@@ -162,13 +166,24 @@ bool OvPreparedPolygon::WalkBand(const OvPoint& p) const {
     if (y != 0.0) heightExponent = std::min(heightExponent, UlpExponent(y));
     if (std::ilogb(length) + heightExponent < kSmallestExponent) return WalkEveryEdge(p);
 
+    // Of the edges whose y range holds y, one with its ends strictly above and below passes
+    // the first test of Intersect (sides +1 and -1) and needs the second one only; one with an
+    // end on the segment's line needs both.
     const std::size_t band = BandOf(y);
     int crossings = 0;
     for (std::uint32_t i = bandStart_[band]; i < bandStart_[band + 1]; ++i) {
         const Edge& e = bandEdges_[i];
-        if (e.low <= y && y <= e.high &&
-            planar::Meets(ray, {e.start.x, e.start.y}, {e.end.x, e.end.y}))
+        if (!(e.low <= y && y <= e.high)) continue;
+        const planar::XY first{e.first.x, e.first.y};
+        const planar::XY second{e.second.x, e.second.y};
+        if (e.low < y && y < e.high) {
+            if (planar::CounterClockwise(first, second, ray.high) *
+                    planar::CounterClockwise(first, second, ray.low) <=
+                0)
+                ++crossings;
+        } else if (planar::IntersectAdjusted(ray.low, ray.high, first, second)) {
             ++crossings;
+        }
     }
     return crossings % 2 == 1;
 }

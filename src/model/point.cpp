@@ -149,22 +149,6 @@ OvVector OvPoint::GetAsVector() const {
     return v;
 }
 
-OvPoint* OvPoint::Next() {
-    return static_cast<OvPoint*>(GetNext());
-}
-
-OvPoint* OvPoint::Previous() {
-    return static_cast<OvPoint*>(GetPrev());
-}
-
-const OvPoint* OvPoint::Next() const {
-    return static_cast<const OvPoint*>(GetNext());
-}
-
-const OvPoint* OvPoint::Previous() const {
-    return static_cast<const OvPoint*>(GetPrev());
-}
-
 OvPoint* OvPoint::First(int mask) {
     for (OvPoint* p = this; p != nullptr; p = p->Next()) {
         if (HasAnyFlag(p, mask)) return p;

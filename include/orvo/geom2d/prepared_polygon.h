@@ -50,10 +50,10 @@ private:
         double y;
     };
     struct Edge {
-        Vertex start;
-        Vertex end;
-        double low;   // the smaller y of the two ends
-        double high;  // the larger y
+        Vertex first;   // the ends of the edge from a vertex's predecessor to the vertex, in
+        Vertex second;  // the order `OvLine::Adjust` puts them in
+        double low;     // the smaller y of the two ends
+        double high;    // the larger y
     };
 
     bool IsInBox(const OvPoint& p) const;

@@ -143,11 +143,12 @@ public:
     /// The first point after / before this one with any bit of mask set, or null.
     OvPoint* Next(int mask);
     OvPoint* Previous(int mask);
-    /// The plain neighbours in the list (null at the ends).
-    OvPoint* Next();
-    OvPoint* Previous();
-    const OvPoint* Next() const;
-    const OvPoint* Previous() const;
+    /// The plain neighbours in the list (null at the ends). Inline: every walk over a point
+    /// list steps through these.
+    OvPoint* Next() { return static_cast<OvPoint*>(GetNext()); }
+    OvPoint* Previous() { return static_cast<OvPoint*>(GetPrev()); }
+    const OvPoint* Next() const { return static_cast<const OvPoint*>(GetNext()); }
+    const OvPoint* Previous() const { return static_cast<const OvPoint*>(GetPrev()); }
 
     // -- point files ----------------------------------------------------------------------
     /// Reads one record, column by column as the format says, from the reader's tokenizer.
