@@ -1,15 +1,17 @@
 // Point files of arbitrary content, read with a column format chosen by the first input byte:
-// reading must never fail outside the tokenizer's own errors, and for formats in which every
-// column is one token each way, writing what was read and reading it again must give the same
-// number of points.
+// reading must never fail outside the tokenizer's own errors; whatever was read must write the
+// same bytes whether the records are formatted in memory or by the stream itself; and for
+// formats in which every column is one token each way, writing what was read and reading it
+// again must give the same number of points.
 //
-// Input layout: byte 0 selects the format and the path; with bit 3 set, bytes 1..8 are the
-// format's codes (indexes into the list of codes; a 0 byte ends them early); the rest is the file's
-// text.
+// Input layout: byte 0 selects the format and the path; with bit 3 set, bytes 1..24 are the
+// format's codes (indexes into the list of codes; a 0 byte ends them early); the rest is the
+// file's text.
 //   bits 0-2  one of eight realistic formats
-//   bit 3     a format of up to eight codes taken from the input instead
+//   bit 3     a format of up to 24 codes taken from the input instead
 //   bit 4     the points stand in a "POINTS { ... }" block of a block file
 //   bit 5     read from the tokenizer directly instead of through a file and the reader
+//   bit 6     the format of every column code, in code order (unless bit 3 is set)
 #include <unistd.h>
 
 #include <cmath>
@@ -18,6 +20,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <locale>
 #include <sstream>
 #include <string>
 
@@ -41,6 +44,14 @@ const std::uint32_t kFormats[8][8] = {
     {1, 4, 17, 7, 8},                // name column and a skipped column
     {1, 7, 8, 115, 116, 117, 9},     // residual columns (consume nothing on read)
 };
+
+// Every column code there is.
+const std::uint32_t kEveryCode[] = {1,  2,  3,  4,  5,  6,   7,   8,   9,   10,  11, 12,
+                                    13, 14, 15, 16, 17, 105, 106, 107, 115, 116, 117};
+
+// The standard number formatting under a type of its own, which makes the point writer leave
+// the formatting to the stream.
+struct SameNumPut : std::num_put<char> {};
 
 // Codes a fuzzed format may hold: every named one plus a few unknown values.
 const std::uint32_t kCodes[] = {1,  2,  3,  4,  5,   6,   7,   8,   9,   10,  11, 12,  13,
@@ -119,13 +130,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t offset = 1;
     Table mask;
     if ((selector & 0x08) != 0) {
-        for (; offset < size && offset <= 8; ++offset) {
+        for (; offset < size && offset <= 24; ++offset) {
             if (data[offset] == 0) {
                 ++offset;  // the 0 ends the codes and is not part of the text
                 break;
             }
             mask.AddEntry(static_cast<eOvPointRWMask>(kCodes[data[offset] % std::size(kCodes)]));
         }
+    } else if ((selector & 0x40) != 0) {
+        for (std::uint32_t code : kEveryCode)
+            mask.AddEntry(static_cast<eOvPointRWMask>(code));
     } else {
         for (std::uint32_t code : kFormats[selector & 0x07]) {
             if (code != 0) mask.AddEntry(static_cast<eOvPointRWMask>(code));
@@ -138,6 +152,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ReadFromTokenizer(list, text);
     } else {
         ReadThroughReader(list, text, (selector & 0x10) != 0, mask);
+    }
+
+    // The records formatted in memory and by the stream: the same bytes, for every value read.
+    std::ostringstream fast;
+    fast.imbue(std::locale::classic());
+    list.Write(fast);
+    std::ostringstream byStream;
+    byStream.imbue(std::locale(std::locale::classic(), new SameNumPut));
+    list.Write(byStream);
+    if (fast.str() != byStream.str()) {
+        std::fprintf(stderr, "point fuzz: in-memory and stream formatting differ:\n%s\n%s\n",
+                     fast.str().c_str(), byStream.str().c_str());
+        std::abort();
     }
 
     bool symmetric = mask.Size() > 0;

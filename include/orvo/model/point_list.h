@@ -68,15 +68,23 @@ public:
     /// `Read` in the shape of a link function; the argument is the `OvReaderObject*`.
     std::int32_t ReadHdl(void* readerObject);
 
-    /// Writes every point with the list's mask; a line end (`Ovendl`) between two points, none
-    /// after the last. Sets the stream's precision to 16.
+    /// Writes every point with the list's mask; a line end (`Ovendl`, which flushes the stream
+    /// and indents the next line) between two points, none after the last. Sets the stream's
+    /// precision to 16 (an empty list writes nothing and leaves the stream alone). When the
+    /// stream prints numbers the plain way (general notation, '.' and no digit grouping, no
+    /// showpos, showpoint or uppercase, the standard number facet) the records are formatted in
+    /// memory with std::to_chars and written in one piece each: the bytes are the same.
     std::ostream& Write(std::ostream& out) const;
 
     /// Sets the mask and appends the points read from the file (the list is not cleared first).
     /// Returns Count() afterwards. Read errors are collected by the reader and not reported.
+    /// A file of 4 MiB or more reports its progress (by the position in the file) as an
+    /// `OvProgressTask` "Reading points" through `OvProgressBarRouter`.
     int ReadFile(const String& fileName, const TOvFormatTable<eOvPointRWMask>& mask);
     /// Writes the list to the file without a header line, numbers in the classic "C" form
-    /// whatever the host's locale, starting at indentation level 0 (`OvWriterReset`). The file
+    /// whatever the host's locale, starting at indentation level 0 (`OvWriterReset`): the bytes
+    /// of `Write` on such a stream, formatted in memory and handed to the file in large pieces
+    /// rather than flushed line by line. The file
     /// is replaced at once: a temporary file is renamed over it only when it was written
     /// completely, so a failed write leaves the old file as it was. Returns 1, also when the
     /// file cannot be written: the point file writers report no failure, deliberately.
