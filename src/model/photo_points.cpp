@@ -1,8 +1,10 @@
 // A photo's coordinate conversion and its two point lists: measured points and image points,
 // and the transfers between them.
+#include <cstdint>
 #include <memory>
 
 #include "orvo/model/photo.h"
+#include "orvo/services/progress.h"
 
 namespace orvo {
 
@@ -76,8 +78,16 @@ int OvPhoto::ConvertBiko(OvPoint* point, eConvertBikoMode mode) const {
 void OvPhoto::ConvertList(OvPointList* list, eConvertBikoMode mode) const {
     if (list == nullptr) return;
     const OvBikoTransform converter(this, mode);
-    for (OvPoint* p = list->First(); p != nullptr; p = p->Next())
+    // Shorter lists are converted before a progress display would be worth showing.
+    constexpr std::uint64_t kProgressMinimumPoints = 65536;
+    OvProgressTask progress("Converting points", static_cast<std::uint64_t>(list->Count()),
+                            kProgressMinimumPoints);
+    std::uint64_t done = 0;
+    for (OvPoint* p = list->First(); p != nullptr; p = p->Next()) {
         converter.Transform(p);
+        progress.Update(++done);
+    }
+    progress.Finish();
 }
 
 void OvPhoto::ConvertMeasure(eConvertBikoMode mode) {

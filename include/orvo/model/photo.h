@@ -227,7 +227,8 @@ public:
     /// Always returns 1.
     int ConvertBiko(OvPoint* point, eConvertBikoMode mode) const;
     /// Converts every point of the list with one `OvBikoTransform` of this photo and mode
-    /// (nothing for a null list).
+    /// (nothing for a null list). A list of 65,536 points or more reports its progress as an
+    /// `OvProgressTask` "Converting points" through `OvProgressBarRouter`.
     void ConvertList(OvPointList* list, eConvertBikoMode mode) const;
     /// Converts the measure list (`ConvertList`).
     void ConvertMeasure(eConvertBikoMode mode);
