@@ -80,8 +80,6 @@ public:
     /// Returns Count() afterwards. Read errors are collected by the reader and not reported.
     /// A file of 4 MiB or more reports its progress (by the position in the file) as an
     /// `OvProgressTask` "Reading points" through `OvProgressBarRouter`.
-    /// A file of 4 MiB or more reports its progress (by the position in the file) as an
-    /// `OvProgressTask` "Reading points" through `OvProgressBarRouter`.
     int ReadFile(const String& fileName, const TOvFormatTable<eOvPointRWMask>& mask);
     /// Writes the list to the file without a header line, numbers in the classic "C" form
     /// whatever the host's locale, starting at indentation level 0 (`OvWriterReset`): the bytes
