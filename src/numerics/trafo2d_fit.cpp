@@ -24,6 +24,8 @@ struct Pair {
     const OvPoint* reference;
     double weight;
     bool fit;
+    double rx = 0.0;  // residual under the fitted transformation
+    double ry = 0.0;
 };
 
 // Sums of one group of residuals.
@@ -197,7 +199,7 @@ bool OvCalcTrafo2D::CalcTrafo(eOvTrafo2DType type, OvPointList* list,
         const double weight = options.weight ? options.weight(*p, *q) : 1.0;
         const bool check = options.isCheckPoint && options.isCheckPoint(*p);
         const bool fit = !check && weight > 0.0 && std::isfinite(weight);
-        pairs.push_back(Pair{p, q, weight, fit});
+        pairs.push_back(Pair{p, q, weight, fit, 0.0, 0.0});
         if (!fit) continue;
         ++result.pairs;
         measuredSide.Add(p->GetX(), p->GetY());
@@ -236,17 +238,17 @@ bool OvCalcTrafo2D::CalcTrafo(eOvTrafo2DType type, OvPointList* list,
     ResidualSums fitSums;
     ResidualSums checkSums;
     double vtpv = 0.0;
-    for (const Pair& pair : pairs) {
+    for (Pair& pair : pairs) {
         double x = pair.measured->GetX();
         double y = pair.measured->GetY();
         fitted.Transform(&x, &y);
-        const double rx = x - pair.reference->GetX();
-        const double ry = y - pair.reference->GetY();
+        pair.rx = x - pair.reference->GetX();
+        pair.ry = y - pair.reference->GetY();
         if (pair.fit) {
-            fitSums.Add(pair.measured->GetId(), rx, ry);
-            vtpv += pair.weight * (rx * rx + ry * ry);
+            fitSums.Add(pair.measured->GetId(), pair.rx, pair.ry);
+            vtpv += pair.weight * (pair.rx * pair.rx + pair.ry * pair.ry);
         } else {
-            checkSums.Add(pair.measured->GetId(), rx, ry);
+            checkSums.Add(pair.measured->GetId(), pair.rx, pair.ry);
         }
     }
     result.fit = fitSums.Summary();
@@ -266,11 +268,8 @@ bool OvCalcTrafo2D::CalcTrafo(eOvTrafo2DType type, OvPointList* list,
         p->SetR(1, 0.0);
     }
     for (const Pair& pair : pairs) {
-        double x = pair.measured->GetX();
-        double y = pair.measured->GetY();
-        Transform(&x, &y);
-        pair.measured->SetR(0, x - pair.reference->GetX());
-        pair.measured->SetR(1, y - pair.reference->GetY());
+        pair.measured->SetR(0, pair.rx);
+        pair.measured->SetR(1, pair.ry);
         if (pair.fit) {
             pair.measured->GetFlag().SetFlag(eOvPointFlagTrafo2DUsed);
         } else {

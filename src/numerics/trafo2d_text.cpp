@@ -1,5 +1,6 @@
 // Reading and writing a 2D transformation in the project files: a type code, then its
 // parameters.
+#include <cmath>
 #include <ios>
 #include <ostream>
 
@@ -95,6 +96,8 @@ void ReadParameters(OvReader& reader, OvTrafo2d& trafo, int count) {
 }
 
 constexpr std::streamsize kParamDigits = 16;
+// Written for a parameter that is NaN or infinite: a word, which reads back as 0.0.
+constexpr const char* kNotANumber = "nan";
 constexpr int kValuesPerLine = 4;
 
 }  // namespace
@@ -124,7 +127,13 @@ std::ostream& OvTrafo2d::Write(std::ostream& out) const {
     out << static_cast<std::int32_t>(type_) << Ovendl;
     const int count = GetParamCount();
     for (int i = 0; i < count; ++i) {
-        out << w19 << p_[i];
+        // The stream would spell a non-finite value "-nan" or "-inf", which the tokenizer
+        // rejects as a malformed number and which would end the reading of the block there.
+        if (std::isfinite(p_[i])) {
+            out << w19 << p_[i];
+        } else {
+            out << w19 << kNotANumber;
+        }
         if ((i + 1) % kValuesPerLine == 0) out << Ovendl;
     }
     return out;

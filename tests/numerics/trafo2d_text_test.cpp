@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <sstream>
 #include <string>
 
@@ -127,6 +128,46 @@ TEST(Trafo2dWrite, TypesWithoutParametersWriteTheCodeOnly) {
     EXPECT_EQ(Written(t), "5\n");
     t.SetType(static_cast<eOvTrafo2DType>(-7));
     EXPECT_EQ(Written(t), "-7\n");
+}
+
+TEST(Trafo2dWrite, NonFiniteParametersStayReadable) {
+    OvTrafo2d t;
+    t.SetType(eOvTrafo2DHelmert);
+    t.SetParam(0, std::nan(""));
+    t.SetParam(1, -std::numeric_limits<double>::infinity());
+    t.SetParam(2, 2.5);
+    t.SetParam(3, -std::nan(""));
+    EXPECT_EQ(Written(t), "1\n" + Field("nan") + Field("nan") + Field("2.5") + Field("nan") + "\n");
+    Holder holder;
+    EXPECT_EQ(holder.Read(WrittenBlock(t)), 0);
+    EXPECT_EQ(holder.trafo.GetType(), eOvTrafo2DHelmert);
+    EXPECT_EQ(holder.trafo.GetParam(0), 0.0);
+    EXPECT_EQ(holder.trafo.GetParam(1), 0.0);
+    EXPECT_EQ(holder.trafo.GetParam(2), 2.5);
+    EXPECT_EQ(holder.trafo.GetParam(3), 0.0);
+    EXPECT_EQ(holder.after, 1);
+}
+
+TEST(Trafo2dWrite, FuzzInputWithAnInfiniteParameterRoundTrips) {
+    // Found by the fuzz target: -1e730 reads as minus infinity, which was written as "-inf",
+    // a malformed number that stopped the reading of the written block.
+    const std::string input =
+        "TRAFO { 3 1 2 \"three\" 4 }\nTRAFOC{ 1.5 }\nTRAFO { -7 1 2  }\nTRAFOC{ 1.5 }\n"
+        "TRAFO { -7 1 2 }\nTRAFO { 4 1e308 -1e307 4.9e\377\377\377\010-3}\n"
+        "TRAFO { 4 1e308 -1e730 4.9e\377\377\377\010-324\n";
+    Holder first;
+    first.Read(input);
+    ASSERT_EQ(first.trafo.GetType(), eOvTrafo2DPolynomial);
+    EXPECT_EQ(first.trafo.GetParam(0), 1e308);
+    EXPECT_EQ(first.trafo.GetParam(1), -std::numeric_limits<double>::infinity());
+    Holder second;
+    EXPECT_EQ(second.Read(WrittenBlock(first.trafo)), 0);
+    EXPECT_EQ(second.trafo.GetType(), eOvTrafo2DPolynomial);
+    EXPECT_EQ(second.trafo.GetParam(0), 1e308);
+    EXPECT_EQ(second.trafo.GetParam(1), 0.0);
+    for (int i = 2; i < 20; ++i)
+        EXPECT_EQ(second.trafo.GetParam(i), first.trafo.GetParam(i)) << i;
+    EXPECT_EQ(second.after, 1);
 }
 
 TEST(Trafo2dWrite, RestoresTheStreamFormat) {

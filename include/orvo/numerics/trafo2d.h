@@ -135,7 +135,9 @@ public:
     /// field of 24), with a line end (Ovendl) after every fourth value. A type without
     /// parameters writes the code and the line end only. The stream's number format is
     /// restored afterwards. 16 digits keep every value that was read from a file or typed in;
-    /// a computed double may lose its last bit on the way through the file.
+    /// a computed double may lose its last bit on the way through the file. A parameter that
+    /// is NaN or infinite (a failed fit) is written as the word "nan", which Read takes as 0.0
+    /// and steps over, so the file stays readable to the end of the block.
     std::ostream& Write(std::ostream& out) const;
 
 private:
