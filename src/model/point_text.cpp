@@ -76,9 +76,10 @@ bool StreamPrintsPlainNumbers(const std::ostream& out) {
     // The standard facets print as printf does in the "C" locale, apart from the decimal point
     // and the digit grouping; a facet of the host's own making could print anything.
     const std::locale locale = out.getloc();
-    if (typeid(std::use_facet<std::num_put<char>>(locale)) != typeid(std::num_put<char>))
-        return false;
-    if (typeid(std::use_facet<std::ctype<char>>(locale)) != typeid(std::ctype<char>)) return false;
+    const std::num_put<char>& numbers = std::use_facet<std::num_put<char>>(locale);
+    const std::ctype<char>& characters = std::use_facet<std::ctype<char>>(locale);
+    if (typeid(numbers) != typeid(std::num_put<char>)) return false;
+    if (typeid(characters) != typeid(std::ctype<char>)) return false;
     const std::numpunct<char>& punctuation = std::use_facet<std::numpunct<char>>(locale);
     return punctuation.decimal_point() == '.' && punctuation.grouping().empty();
 }
