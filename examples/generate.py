@@ -21,17 +21,20 @@ show what it recovers next to what is true:
 The files are committed: the demo only reads them, and this script (python 3, standard
 library only) is needed only to change the example. Run it from anywhere:
 
-    python3 examples/generate.py
+    python3 examples/generate.py            # rewrites the files next to this script
+    python3 examples/generate.py --out DIR  # writes them into DIR instead
 
 The random noise of the measurements comes from a fixed seed, so the output is the same on
 every run.
 """
 
+import argparse
 import math
 import os
 import random
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+OUT = HERE
 rng = random.Random(20240611)
 
 # ---------------------------------------------------------------------------------------------
@@ -212,7 +215,7 @@ def point_line(values):
 
 
 def write(name, text):
-    with open(os.path.join(HERE, name), "w", newline="\n") as f:
+    with open(os.path.join(OUT, name), "w", newline="\n") as f:
         f.write(text)
 
 
@@ -412,4 +415,8 @@ def main():
 
 
 if __name__ == "__main__":
+    parser = argparse.ArgumentParser(description="Generate the orvo example project.")
+    parser.add_argument("--out", default=HERE, help="directory to write into (default: here)")
+    OUT = parser.parse_args().out
+    os.makedirs(OUT, exist_ok=True)
     main()

@@ -124,9 +124,9 @@ void CheckDigitalCameras(CheckResult& result) {
     CollectReaderErrors(result.file, errors, &result.problems);
 }
 
-void CheckPoints(CheckResult& result, std::istream& in,
+void CheckPoints(CheckResult& result, const std::string& file, std::istream& in,
                  const std::optional<OvPointFormat>& columns) {
-    PointFile points = ReadPointFile(result.file, in, columns);
+    PointFile points = ReadPointFile(file, in, columns);
     result.items = points.points.Count();
     result.itemName = "points";
     result.problems = std::move(points.problems);
@@ -247,11 +247,13 @@ int RunCheck(const Args& args, Io& io) {
             if (result.kind.empty()) result.kind = KindByHeader(file);
             LogMessage(kLogInfo, "checking " + result.file + " as " +
                                      (result.kind.empty() ? "?" : KindTitle(result.kind)));
-            if (result.kind.empty()) {
-                const bool exists = std::ifstream(file).good();
+            if (file != "-" && !std::ifstream(file).good()) {
+                result.kind.clear();
+                result.problems.push_back(
+                    {result.file, 0, GetOvParserStatusText(ParserErrorStream), "cannot open file"});
+            } else if (result.kind.empty()) {
                 result.problems.push_back({result.file, 0, GetOvParserStatusText(ParserErrorStream),
-                                           exists ? "cannot tell the kind of the file; give --kind"
-                                                  : "cannot open file"});
+                                           "cannot tell the kind of the file; give --kind"});
             } else if (result.kind == "project") {
                 CheckProject(result);
             } else if (result.kind == "camera") {
@@ -261,7 +263,7 @@ int RunCheck(const Args& args, Io& io) {
             } else if (result.kind == "dres") {
                 CheckDigitalCameras(result);
             } else {
-                CheckPoints(result, io.in, columns);
+                CheckPoints(result, file, io.in, columns);
             }
             if (file == "-") result.file = "<stdin>";
             results.push_back(std::move(result));

@@ -150,6 +150,9 @@ void ProgressSession::Draw() {
 
 ProgressTask::ProgressTask(const std::string& text, std::int64_t total)
     : total_(std::max<std::int64_t>(total, 1)) {
+    // The position is process-wide and still holds the end of the last job: start afresh
+    // before the bar is shown.
+    OvProgressBarRouter::SetProgressBarPos(0);
     OvProgressBarRouter::ShowProgressBar(String(text.c_str()), 0, 100);
 }
 

@@ -195,9 +195,19 @@ bool WritePlot(const std::string& file, const FitOutcome& fit, double magnificat
     for (const Row& row : fit.rows)
         vectors.push_back({row.id, row.x, row.y, row.rx, row.ry, row.check});
     ResidualPlotOptions options;
-    options.title = std::string(fit.trafo.GetTrafoName()) + " fit of " + fit.measuredFile + " to " +
-                    fit.controlFile + ": " + std::to_string(fit.report.pairs) + " points, RMS x " +
-                    General(fit.report.fit.rmsX, 3) + ", RMS y " + General(fit.report.fit.rmsY, 3);
+    const auto base = [](const std::string& path) {
+        const std::size_t slash = path.find_last_of("/\\");
+        return slash == std::string::npos ? path : path.substr(slash + 1);
+    };
+    options.title = std::string(fit.trafo.GetTrafoName()) + " fit: " + base(fit.measuredFile) +
+                    " -> " + base(fit.controlFile);
+    options.subtitle = std::to_string(fit.report.pairs) + " fit points" +
+                       (fit.report.check.count > 0
+                            ? ", " + std::to_string(fit.report.check.count) + " check points"
+                            : std::string()) +
+                       ", RMS x " + General(fit.report.fit.rmsX, 3) + ", RMS y " +
+                       General(fit.report.fit.rmsY, 3) + ", sigma0 " +
+                       General(fit.report.sigma0, 3);
     options.magnification = magnification;
     *used = WriteResidualPlot(out, vectors, options);
     out.close();

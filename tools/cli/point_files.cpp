@@ -113,7 +113,7 @@ std::string FormatProblem(const FileProblem& problem) {
     std::string text = problem.file + ":";
     if (problem.line > 0) text += std::to_string(problem.line) + ":";
     text += " " + problem.status;
-    if (!problem.detail.empty()) text += ": " + problem.detail;
+    if (!problem.detail.empty() && problem.detail != problem.status) text += ": " + problem.detail;
     return text;
 }
 

@@ -10,8 +10,8 @@ namespace {
 
 constexpr double kWidth = 800.0;      // picture width in SVG units
 constexpr double kMargin = 60.0;      // around the plotted area
-constexpr double kTitleBand = 30.0;   // above it
-constexpr double kLegendBand = 70.0;  // below it
+constexpr double kTitleBand = 40.0;   // above it
+constexpr double kLegendBand = 30.0;  // below it
 
 // The largest of 1, 2, 5 times a power of ten that is not above `value` (> 0).
 double RoundDown125(double value) {
@@ -150,6 +150,8 @@ double WriteResidualPlot(std::ostream& out, const std::vector<ResidualVector>& v
         << "  <rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n"
         << "  <text class=\"title\" x=\"" << Num(kMargin) << "\" y=\"22\">"
         << XmlEscape(options.title) << "</text>\n"
+        << "  <text x=\"" << Num(kMargin) << "\" y=\"42\">" << XmlEscape(options.subtitle)
+        << "</text>\n"
         << "  <rect class=\"frame\" x=\"" << Num(kMargin) << "\" y=\"" << Num(top) << "\" width=\""
         << Num(plotWidth) << "\" height=\"" << Num(plotHeight) << "\"/>\n";
 

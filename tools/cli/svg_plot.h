@@ -23,6 +23,7 @@ struct ResidualVector {
 
 struct ResidualPlotOptions {
     std::string title;
+    std::string subtitle;  // a second, smaller line under the title
     /// Magnification of the vectors; 0 chooses one (a round number that makes the longest
     /// vector about an eighth of the picture's width).
     double magnification = 0.0;
