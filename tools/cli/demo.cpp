@@ -388,8 +388,8 @@ void RectifyPoints(Demo& demo, OvPhoto& photo) {
         out << "  tilt plane " << tilt->GetId() << " \"" << tilt->GetName().chars()
             << "\": " << (tilt->IsActive() ? "active" : "inactive")
             << (tilt->CompensateDistortion() ? ", lens distortion removed first" : "")
-            << ", valid region of " << tilt->GetRegion().Count() << " corners, area "
-            << Fixed(tilt->Area(), 2) << " m2 in the plane\n";
+            << "\n    valid region of " << tilt->GetRegion().Count() << " corners, covering "
+            << Fixed(tilt->Area(), 2) << " square units of the rectified plane\n";
     }
     out << "    " << Right("id", 6) << Right("plane X", 10) << Right("plane Y", 10);
     if (demo.hasControl) out << Right("dX [mm]", 9) << Right("dY [mm]", 9);
