@@ -1,6 +1,8 @@
 // Ortho photos: construction, pixel size, mapping into object space, and the list.
 #include "orvo/model/ortho_photo.h"
 
+#include "../rectify/record_tokens.h"
+
 #include <cmath>
 #include <limits>
 
@@ -94,6 +96,7 @@ bool OvOrthoPhoto::GetImageCorners(OvPoint* a, OvPoint* b, OvPoint* c, OvPoint* 
 OvOrthoPhotoList::~OvOrthoPhotoList() = default;
 
 OvOrthoPhoto* OvOrthoPhotoList::AddPhoto(OvReaderObject* reader) {
+    if (detail::BlockReaderOf(reader) == nullptr) return nullptr;
     return Add(new OvOrthoPhoto(reader));
 }
 

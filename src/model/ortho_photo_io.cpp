@@ -9,9 +9,25 @@
 
 namespace orvo {
 
+namespace {
+
+// A region read from a keyword's block (and only from a block).
+class RegionBlock : public LinkHdl {
+public:
+    explicit RegionBlock(OvRegion& region) : region_(region) {}
+    std::int32_t Read(void* object) {
+        return detail::ReadInBlock(static_cast<OvReaderObject*>(object), region_);
+    }
+
+private:
+    OvRegion& region_;
+};
+
+}  // namespace
+
 std::int32_t OvOrthoPhoto::ReadIdHdl(void* readerObject) {
     auto* object = static_cast<OvReaderObject*>(readerObject);
-    if (OvReader* reader = detail::ReaderOf(object)) {
+    if (OvReader* reader = detail::BlockReaderOf(object)) {
         detail::RecordTokens tokens(*reader);
         if (!tokens.AtDataEnd()) OvObject::Read(object);
         tokens.SkipToBlockEnd();
@@ -20,7 +36,7 @@ std::int32_t OvOrthoPhoto::ReadIdHdl(void* readerObject) {
 }
 
 int OvOrthoPhoto::Read(OvReaderObject* object) {
-    if (detail::ReaderOf(object) == nullptr) return 1;
+    if (detail::BlockReaderOf(object) == nullptr) return 1;
     // The photo's own fields are reached through their accessors: read into copies, put back.
     String comment = GetComment();
     double scale = GetScale();
@@ -31,8 +47,10 @@ int OvOrthoPhoto::Read(OvReaderObject* object) {
     object->RegisterObject(OvReaderObject("TIME", &time_));
     object->RegisterObject(OvReaderObject("SCALE", &scale));
     object->RegisterObject(OvReaderObject("PLANEANGLE", &maxAngle_));
-    object->RegisterObject(OvReaderObject("PIXELSIZE", Link(&pixels, &OvRegion::ReadHdl)));
-    object->RegisterObject(OvReaderObject("OBJECTSIZE", Link(&objectRegion_, &OvRegion::ReadHdl)));
+    RegionBlock pixelBlock(pixels);
+    RegionBlock objectBlock(objectRegion_);
+    object->RegisterObject(OvReaderObject("PIXELSIZE", Link(&pixelBlock, &RegionBlock::Read)));
+    object->RegisterObject(OvReaderObject("OBJECTSIZE", Link(&objectBlock, &RegionBlock::Read)));
     object->RegisterObject(
         OvReaderObject("PLANEINFO", Link(&planes_, &OvTiltPlaneInfoList::AddPlaneHdl)));
     detail::ProcessBlock(object);

@@ -16,6 +16,22 @@ inline OvReader* ReaderOf(OvReaderObject* object) {
     return object != nullptr ? object->GetReader() : nullptr;
 }
 
+/// The reader of a handler that was called for its keyword's block; null when the keyword was
+/// followed by a value instead (then the handler's bindings would be registered in the
+/// enclosing scope and outlive the record, and its reading would eat the enclosing block).
+inline OvReader* BlockReaderOf(OvReaderObject* object) {
+    OvReader* reader = ReaderOf(object);
+    if (reader == nullptr || reader->GetCurrentScope()->GetObjects().Exist(object)) return nullptr;
+    return reader;
+}
+
+/// `record.Read(object)` when the handler was called for a block (see `BlockReaderOf`).
+template <class Record>
+std::int32_t ReadInBlock(OvReaderObject* object, Record& record) {
+    if (BlockReaderOf(object) != nullptr) record.Read(object);
+    return 1;
+}
+
 /// `object->DoProcess()` for a record's block, keeping the errors of the reads around it: the
 /// reader takes a trailing "ParserErrorNotSpecifiedToken" back when a run ends, also one that
 /// an enclosing record had recorded before this run began; such an error is put back.

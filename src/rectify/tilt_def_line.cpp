@@ -69,7 +69,7 @@ bool ReadConstraintRecord(OvTiltDefLineConstraint& constraint, OvReader& reader)
 // rest of the block is stepped over, so that the reader finds the block's "}".
 template <class List, class Element, class ReadFunction>
 Element* AddRecord(List& list, OvReaderObject* object, ReadFunction read) {
-    OvReader* reader = detail::ReaderOf(object);
+    OvReader* reader = detail::BlockReaderOf(object);
     if (reader == nullptr) return nullptr;
     auto element = std::make_unique<Element>();
     const bool complete = read(*element, *reader);

@@ -209,7 +209,7 @@ void OvTiltParallelDef::CheckAndRepair() {
 // ---- record --------------------------------------------------------------------------------
 
 int OvTiltParallelDef::Read(OvReaderObject* object) {
-    if (detail::ReaderOf(object) == nullptr) return 1;
+    if (detail::BlockReaderOf(object) == nullptr) return 1;
     object->RegisterObject(
         OvReaderObject("DEFLINE", Link(&lines_, &OvTiltDefLineList::AddObjectHdl)));
     object->RegisterObject(OvReaderObject(

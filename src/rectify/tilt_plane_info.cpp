@@ -82,7 +82,7 @@ bool OvTiltPlaneInfo::Transform(OvPoint* point) const {
 namespace {
 
 std::int32_t ReadObjectBlock(OvObject& target, OvReaderObject* object) {
-    if (OvReader* reader = detail::ReaderOf(object)) {
+    if (OvReader* reader = detail::BlockReaderOf(object)) {
         detail::RecordTokens tokens(*reader);
         if (!tokens.AtDataEnd()) target.Read(object);
         tokens.SkipToBlockEnd();
@@ -102,7 +102,7 @@ std::int32_t OvTiltPlaneInfo::ReadTiltHdl(void* readerObject) {
 
 std::int32_t OvTiltPlaneInfo::ReadTransformationHdl(void* readerObject) {
     auto* object = static_cast<OvReaderObject*>(readerObject);
-    if (OvReader* reader = detail::ReaderOf(object)) {
+    if (OvReader* reader = detail::BlockReaderOf(object)) {
         detail::RecordTokens tokens(*reader);
         if (!tokens.AtDataEnd()) {
             OvMatrix read;
@@ -118,13 +118,17 @@ std::int32_t OvTiltPlaneInfo::ReadTransformationHdl(void* readerObject) {
     return 1;
 }
 
+std::int32_t OvTiltPlaneInfo::ReadRangeHdl(void* readerObject) {
+    return detail::ReadInBlock(static_cast<OvReaderObject*>(readerObject), range_);
+}
+
 int OvTiltPlaneInfo::Read(OvReaderObject* object) {
-    if (detail::ReaderOf(object) == nullptr) return 1;
+    if (detail::BlockReaderOf(object) == nullptr) return 1;
     object->RegisterObject(OvReaderObject("PHOTOID", Link(this, &OvTiltPlaneInfo::ReadPhotoHdl)));
     object->RegisterObject(OvReaderObject("TILTID", Link(this, &OvTiltPlaneInfo::ReadTiltHdl)));
     object->RegisterObject(
         OvReaderObject("TRANSFORMATION", Link(this, &OvTiltPlaneInfo::ReadTransformationHdl)));
-    object->RegisterObject(OvReaderObject("TILTRANGE", Link(&range_, &OvPolygon::ReadHdl)));
+    object->RegisterObject(OvReaderObject("TILTRANGE", Link(this, &OvTiltPlaneInfo::ReadRangeHdl)));
     detail::ProcessBlock(object);
     return 1;
 }
@@ -162,6 +166,7 @@ bool OvTiltPlaneInfoList::Transform(OvPoint* point) const {
 }
 
 OvTiltPlaneInfo* OvTiltPlaneInfoList::AddPlane(OvReaderObject* reader) {
+    if (detail::BlockReaderOf(reader) == nullptr) return nullptr;
     return Add(new OvTiltPlaneInfo(reader));
 }
 

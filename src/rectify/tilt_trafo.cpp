@@ -6,6 +6,7 @@
 #include "orvo/model/photo.h"
 #include "orvo/model/point.h"
 #include "orvo/model/point_list.h"
+#include "record_tokens.h"
 
 namespace orvo {
 
@@ -185,10 +186,12 @@ double OvTiltTrafo::GetOriginalPixelArea(const OvPhoto* photo) const {
 OvTiltTrafoList::~OvTiltTrafoList() = default;
 
 OvTiltTrafo* OvTiltTrafoList::AddTrafo(OvReaderObject* reader) {
+    if (detail::BlockReaderOf(reader) == nullptr) return nullptr;
     return Add(new OvTiltTrafo(reader, false));
 }
 
 OvTiltTrafo* OvTiltTrafoList::AddTrafoV50(OvReaderObject* reader) {
+    if (detail::BlockReaderOf(reader) == nullptr) return nullptr;
     return Add(new OvTiltTrafo(reader, true));
 }
 

@@ -17,7 +17,7 @@ namespace {
 // Reads a matrix block into `target` when it has the target's shape; a block of another shape
 // is reported and leaves the target as it was. An empty block changes nothing.
 void ReadSquareMatrix(OvReaderObject* object, OvMatrix& target, const char* what) {
-    OvReader* reader = detail::ReaderOf(object);
+    OvReader* reader = detail::BlockReaderOf(object);
     if (reader == nullptr) return;
     detail::RecordTokens tokens(*reader);
     if (!tokens.AtDataEnd()) {
@@ -36,7 +36,7 @@ void ReadSquareMatrix(OvReaderObject* object, OvMatrix& target, const char* what
 // id, x, y; mode 3: id, x, y, z), replacing its points. Unlike a region's block, where two
 // points stand for the rectangle through them, two points stay two points here.
 void ReadPointSet(OvReaderObject* object, OvPolygon& polygon) {
-    if (detail::ReaderOf(object) == nullptr) return;
+    if (detail::BlockReaderOf(object) == nullptr) return;
     OvPointFormat columns;
     columns.AddEntry(eOvPointRWId);
     columns.AddEntry(eOvPointRWX);
@@ -63,7 +63,7 @@ std::int32_t OvTiltTrafo::ReadMeasPointsHdl(void* readerObject) {
 
 std::int32_t OvTiltTrafo::ReadIdHdl(void* readerObject) {
     auto* object = static_cast<OvReaderObject*>(readerObject);
-    if (OvReader* reader = detail::ReaderOf(object)) {
+    if (OvReader* reader = detail::BlockReaderOf(object)) {
         detail::RecordTokens tokens(*reader);
         if (!tokens.AtDataEnd()) OvObject::Read(object);
         tokens.SkipToBlockEnd();
@@ -73,7 +73,7 @@ std::int32_t OvTiltTrafo::ReadIdHdl(void* readerObject) {
 
 std::int32_t OvTiltTrafo::ReadDistortionHdl(void* readerObject) {
     auto* object = static_cast<OvReaderObject*>(readerObject);
-    if (OvReader* reader = detail::ReaderOf(object)) {
+    if (OvReader* reader = detail::BlockReaderOf(object)) {
         detail::RecordTokens tokens(*reader);
         if (!tokens.AtDataEnd()) camera_.Read(object);
         tokens.SkipToBlockEnd();
@@ -93,6 +93,10 @@ std::int32_t OvTiltTrafo::ReadTransMatHdl(void* readerObject) {
     return 1;
 }
 
+std::int32_t OvTiltTrafo::ReadRegionHdl(void* readerObject) {
+    return detail::ReadInBlock(static_cast<OvReaderObject*>(readerObject), region_);
+}
+
 std::int32_t OvTiltTrafo::ReadParallelDefHdl(void* readerObject) {
     parallelDef_.Read(static_cast<OvReaderObject*>(readerObject));
     return 1;
@@ -101,7 +105,7 @@ std::int32_t OvTiltTrafo::ReadParallelDefHdl(void* readerObject) {
 int OvTiltTrafo::Read(OvReaderObject* object) {
     measPoints_.SetMode(OvPolygonMode2DId);
     defPoints_.SetMode(OvPolygonMode3DId);
-    if (detail::ReaderOf(object) == nullptr) return 1;
+    if (detail::BlockReaderOf(object) == nullptr) return 1;
 
     bool active = false;
     bool camera = false;
@@ -117,7 +121,7 @@ int OvTiltTrafo::Read(OvReaderObject* object) {
     object->RegisterObject(OvReaderObject("DEFPOINTS", Link(this, &OvTiltTrafo::ReadDefPointsHdl)));
     object->RegisterObject(
         OvReaderObject("MEASPOINTS", Link(this, &OvTiltTrafo::ReadMeasPointsHdl)));
-    object->RegisterObject(OvReaderObject("VALIDREGION", Link(&region_, &OvPolygon::ReadHdl)));
+    object->RegisterObject(OvReaderObject("VALIDREGION", Link(this, &OvTiltTrafo::ReadRegionHdl)));
     object->RegisterObject(
         OvReaderObject("PARALLELDEF", Link(this, &OvTiltTrafo::ReadParallelDefHdl)));
     detail::ProcessBlock(object);
@@ -232,7 +236,7 @@ private:
 }  // namespace
 
 int OvTiltTrafo::ReadV50(OvReaderObject* object) {
-    if (detail::ReaderOf(object) == nullptr) return 1;
+    if (detail::BlockReaderOf(object) == nullptr) return 1;
     V50Fields(*this, object, tiltMat_, transMat_).Read();
 
     region_.GetPointList().Renumber(1);

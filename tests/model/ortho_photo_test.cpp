@@ -224,6 +224,22 @@ TEST(OvOrthoPhotoTest, OnlyTheOrthoKeywordsAreRead) {
     EXPECT_EQ(compare(list.Last()->GetName(), String("b.tif")), 0);
 }
 
+// Found by fuzzing: a record keyword followed by a value instead of a block registered the
+// record's bindings in the enclosing scope, where they outlived the record.
+TEST(OvOrthoPhotoTest, ARecordKeywordWithoutABlockReadsNothing) {
+    OvOrthoPhotoList list;
+    ReadOrthos(
+        "ORTHOPHOTO \x01\x01 ID { 4 \"a\" } COMMENT \"x\" TIME 2\n"
+        "PIXELSIZE { 0 0 1 1 } OBJECTSIZE 3 PLANEINFO 4\n"
+        "ORTHOPHOTO { PIXELSIZE 5 OBJECTSIZE { 0 0 2 2 } PLANEINFO 7 COMMENT \"y\" }\n"
+        "COMMENT \"z\"\n",
+        list);
+    ASSERT_EQ(list.Count(), 1);
+    EXPECT_EQ(list.First()->GetObjectRegion().Right(), 2.0);
+    EXPECT_EQ(list.First()->TiltPlaneList().Count(), 0);
+    EXPECT_EQ(compare(list.First()->GetComment(), String("y")), 0);
+}
+
 TEST(OvOrthoPhotoTest, CopyAndAssignment) {
     OvOrthoPhoto photo(2, "x");
     photo.SetStatPixel(5);

@@ -220,6 +220,21 @@ TEST(OvTiltTrafoReadTest, TwoPointsStayTwoExceptInTheValidRegion) {
     EXPECT_EQ(t.GetRegion().GetMax().GetY(), 5.0);
 }
 
+TEST(OvTiltTrafoReadTest, KeywordsWithoutTheirBlocksReadNothing) {
+    OvTiltTrafoList list;
+    ReadTrafos("TILTPLANE 5\n"
+               "TILTPLANE { TILTID 4 VALIDREGION 1 MEASPOINTS 7 PARALLELDEF 8 ACTIV 1 }\n",
+               list);
+    ASSERT_EQ(list.Count(), 1);
+    EXPECT_TRUE(list.First()->IsActive());
+    EXPECT_EQ(list.First()->GetId(), 0u);
+    EXPECT_EQ(list.First()->GetRegion().Count(), 0);
+    EXPECT_EQ(list.First()->GetMeasPoints().Count(), 0);
+    ReadTrafos("TILTTRAFO 3\nTILTTRAFO { 2 \"x\" 1 }\n", list, true);
+    ASSERT_EQ(list.Count(), 2);
+    EXPECT_EQ(list.Last()->GetId(), 2u);
+}
+
 TEST(OvTiltTrafoReadTest, TheOldPositionalRecord) {
     // id, name, active, m13 m23 m12 m22 m32 m11 m21 m31, {4 x 4}, {region}, four points.
     const std::string text =

@@ -80,8 +80,8 @@ public:
     bool GetImageCorners(OvPoint* a, OvPoint* b, OvPoint* c, OvPoint* d) const;
 
     /// Reads "ID", "COMMENT", "RECTPIXEL", "TIME", "SCALE", "PLANEANGLE", "PIXELSIZE" (into
-    /// the pixel region), "OBJECTSIZE" and "PLANEINFO" (one plane appended each) in any order.
-    /// Returns 1.
+    /// the pixel region), "OBJECTSIZE" and "PLANEINFO" (one plane appended each) in any order;
+    /// nothing for a keyword followed by a value instead of a block. Returns 1.
     int Read(OvReaderObject* reader) override;
     /// Writes the record (see the top of this header).
     std::ostream& Write(std::ostream& out) const override;
@@ -114,7 +114,8 @@ public:
     OvOrthoPhotoList& operator=(const OvOrthoPhotoList& other) = default;
     ~OvOrthoPhotoList() override;
 
-    /// Reads an ortho photo from the reader's block and appends it; returns it.
+    /// Reads an ortho photo from the reader's block and appends it; returns it. A keyword
+    /// followed by a value instead of a block gives no ortho photo (null).
     OvOrthoPhoto* AddPhoto(OvReaderObject* reader);
     /// `AddPhoto` in the shape of a reader callback. Returns 1.
     std::int32_t AddPhotoHdl(void* readerObject);

@@ -95,7 +95,8 @@ public:
     void CheckAndRepair();
 
     /// Registers "DEFLINE" and "CONSTRAINT" with the reader and reads the block; the elements
-    /// are appended in file order. Returns 1.
+    /// are appended in file order; nothing is read for a keyword followed by a value instead of
+    /// a block. Returns 1.
     int Read(OvReaderObject* reader);
     /// Every line as `s12` "DEFLINE", a blank, "{", the record, "}" and a line end (`Ovendl`),
     /// then every constraint the same way as "CONSTRAINT".

@@ -74,7 +74,7 @@ public:
 
     /// Reads "PHOTOID", "TILTID" (inline blocks with id and name), "TRANSFORMATION" (a 4 x 4
     /// matrix; another shape is reported and not taken) and "TILTRANGE" (a polygon), in any
-    /// order. Returns 1.
+    /// order; nothing for a keyword followed by a value instead of a block. Returns 1.
     int Read(OvReaderObject* reader);
     /// Writes the record (see the top of this header).
     std::ostream& Write(std::ostream& out) const;
@@ -86,6 +86,7 @@ private:
     std::int32_t ReadPhotoHdl(void* readerObject);
     std::int32_t ReadTiltHdl(void* readerObject);
     std::int32_t ReadTransformationHdl(void* readerObject);
+    std::int32_t ReadRangeHdl(void* readerObject);
 
     OvObject photo_;
     OvObject tilt_;
@@ -108,7 +109,8 @@ public:
     /// Transforms the point with the plane that contains it; false (the point unchanged) when
     /// no plane does, or for a null point.
     bool Transform(OvPoint* point) const;
-    /// Reads a plane from the reader's block and appends it; returns it.
+    /// Reads a plane from the reader's block and appends it; returns it. A keyword followed by a
+    /// value instead of a block gives no plane (null).
     OvTiltPlaneInfo* AddPlane(OvReaderObject* reader);
     /// `AddPlane` in the shape of a reader callback. Returns 1.
     std::int32_t AddPlaneHdl(void* readerObject);

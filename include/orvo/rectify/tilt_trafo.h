@@ -169,7 +169,8 @@ public:
     /// points are read with mode 1 and the definition points with mode 3, point by point: two
     /// points stay two points there, while a valid region of two points becomes the rectangle
     /// through them as any region polygon does. The valid region's points are renumbered 1, 2,
-    /// 3, ... afterwards. Returns 1.
+    /// 3, ... afterwards. Called for a keyword that is followed by a value instead of a block,
+    /// it reads nothing (as does `ReadV50`). Returns 1.
     int Read(OvReaderObject* reader);
     /// Reads the positional record of file version 5.0: id, name, the active flag (non-zero),
     /// eight numbers for the tilt matrix in the order m13, m23, m12, m22, m32, m11, m21, m31
@@ -194,6 +195,7 @@ private:
     std::int32_t ReadDefPointsHdl(void* readerObject);
     std::int32_t ReadMeasPointsHdl(void* readerObject);
     std::int32_t ReadParallelDefHdl(void* readerObject);
+    std::int32_t ReadRegionHdl(void* readerObject);
     /// Points the parallel definition at this transform's measured points when `other` had
     /// it on its own.
     void AdoptPointList(const OvTiltTrafo& other);
@@ -218,7 +220,8 @@ public:
     OvTiltTrafoList& operator=(const OvTiltTrafoList& other) = default;
     ~OvTiltTrafoList() override;
 
-    /// Reads a transform from the keyword block at the reader and appends it; returns it.
+    /// Reads a transform from the keyword block at the reader and appends it; returns it. A
+    /// keyword followed by a value instead of a block gives no transform (null).
     OvTiltTrafo* AddTrafo(OvReaderObject* reader);
     /// The same with the record of file version 5.0.
     OvTiltTrafo* AddTrafoV50(OvReaderObject* reader);
