@@ -219,11 +219,13 @@ void PrintParameters(std::ostream& out, const OvTrafo2d& trafo, const OvTrafo2DF
     }
 }
 
-// Compares the estimated and the true mapping: on the crosses, and on a grid over the
-// digitised region (the reseau transformation is used everywhere in between).
-void CompareWithTrueScan(Demo& demo, const OvPhoto& photo, const OvTrafo2d& fitted,
-                         const OvPointList& measured, const OvPointList& nominal,
-                         const TruthPhoto& truth) {
+// Compares the estimated and the true mapping from measured to image coordinates: parameter by
+// parameter through an affine fit of the crosses (the truth is affine; `measured` holds the
+// crosses as the main stage sees them), and over a grid of the digitised region through the
+// photo's whole chain as it now stands (the reseau transformation is used everywhere in
+// between the crosses).
+void CompareWithTrueScan(Demo& demo, const OvPhoto& photo, const OvPointList& measured,
+                         const OvPointList& nominal, const TruthPhoto& truth) {
     std::ostream& out = demo.io.out;
     // An affine fit of the same crosses recovers the true distortion parameter by parameter.
     OvPointList pp(nominal);
@@ -251,17 +253,17 @@ void CompareWithTrueScan(Demo& demo, const OvPhoto& photo, const OvTrafo2d& fitt
         for (int j = 0; j <= 10; ++j) {
             double x = region.Left() + region.Width() * i / 10.0;
             double y = region.Bottom() + region.Height() * j / 10.0;
-            double tx = x, ty = y;
-            fitted.Transform(&x, &y);
-            truth.scan.Transform(&tx, &ty);
-            const double d = std::hypot(x - tx, y - ty) * 1000.0;
+            OvPoint p(0, x, y, 0.0, 0);
+            photo.ConvertBiko(&p, eConvertMeasureToBiko);
+            truth.scan.Transform(&x, &y);
+            const double d = std::hypot(p.GetX() - x, p.GetY() - y) * 1000.0;
             worst = std::max(worst, d);
             sum += d * d;
             ++count;
         }
     }
-    out << "    the stored " << fitted.GetTrafoName()
-        << " against the true mapping, on 11 x 11 points over the digitised region:\n"
+    out << "    the new chain (measured -> image) against the truth on 11 x 11 points of the "
+           "scan:\n"
         << "      RMS " << Fixed(std::sqrt(sum / count), 1) << " um, largest " << Fixed(worst, 1)
         << " um\n";
 }
@@ -322,7 +324,7 @@ void FitReseau(Demo& demo, OvPhoto& photo) {
         photo.SetPolyInvTrafo(OvReseauTrafo());
     }
     if (const TruthPhoto* truth = demo.truth.Find(photo.GetId()); truth && truth->hasScan)
-        CompareWithTrueScan(demo, photo, fit, measured, nominal, *truth);
+        CompareWithTrueScan(demo, photo, measured, nominal, *truth);
 }
 
 // -- points
