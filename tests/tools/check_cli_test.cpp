@@ -78,6 +78,20 @@ TEST(CheckCommand, ReportsEveryErrorWithFileLineAndStatus) {
     EXPECT_TRUE(Contains(out, "6 files checked, 6 with errors ("));
 }
 
+TEST(CheckCommand, DigitalCameraFile) {
+    orvo::test::TempDir dir;
+    orvo::test::WriteWholeFile(dir.file("bodies.dres"),
+                               "; digital cameras\n"
+                               "{ \"Canon EOS 5D\" 2 \"studio\" 4368 2912 35.8 23.9 }\n"
+                               "{ \"Broken\" 0 \"no size\" 4000 }\n"
+                               "{ \"Wide body\" 0 \"\" 6000 4000 36 24 }\n");
+    const orvo::test::CliResult run = RunOrvo({"check", dir.file("bodies.dres")});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_TRUE(Contains(run.out, dir.file("bodies.dres") + ":3: ")) << run.out;
+    EXPECT_TRUE(Contains(run.out, dir.file("bodies.dres") + ": digital camera file, 2 entries: "))
+        << run.out;
+}
+
 TEST(CheckCommand, KindFromHeaderOrOption) {
     orvo::test::TempDir dir;
     orvo::test::WriteWholeFile(dir.file("cams.txt"),
