@@ -2,6 +2,8 @@
 // steps, chosen by the conversion mode.
 #include "orvo/numerics/biko_transform.h"
 
+#include <cmath>
+
 #include "orvo/model/camera.h"
 #include "orvo/model/photo.h"
 #include "orvo/model/point.h"
@@ -92,7 +94,17 @@ OvBikoTransform& OvBikoTransform::operator=(const OvBikoTransform& other) {
 OvBikoTransform::~OvBikoTransform() = default;
 
 bool OvBikoTransform::ApplyMatrix(double* x, double* y) const {
-    return transformation_.PTrans2D(x, y);
+    // OvMatrix::PTrans2D term for term, read straight from the stored elements: the converter
+    // runs once per point of whole point lists, and the matrix is 3 x 3 for good (assignment
+    // never reshapes it), so the checked element access buys nothing here.
+    const double* m = transformation_.Data();
+    const double px = *x;
+    const double py = *y;
+    const double w = m[6] * px + m[7] * py + m[8];
+    if (std::fabs(w) < kOvSingularThreshold) return false;  // a point at infinity: left as is
+    *x = (m[0] * px + m[1] * py + m[2]) / w;
+    *y = (m[3] * px + m[4] * py + m[5]) / w;
+    return true;
 }
 
 bool OvBikoTransform::ApplyAdjust(double* x, double* y) const {

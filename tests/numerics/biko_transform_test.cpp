@@ -242,6 +242,41 @@ TEST(BikoTransformPoly, BackwardModesApplyTheInversePolynomialFirst) {
                preInverse(ApplyPolynomial(kPolyInv, biko)), 1e-8);
 }
 
+TEST(BikoTransform, MatrixStepIsTheHomogeneousMapping) {
+    // A Projektiv pre stage: x' = (x + 2) / d, y' = (y - 1) / d, d = 0.5 x + 1.
+    OvPhoto photo(1);
+    OvTrafo2d projektiv;
+    projektiv.SetType(eOvTrafo2DProjektiv);
+    projektiv.SetParam(0, 1.0);
+    projektiv.SetParam(2, 2.0);
+    projektiv.SetParam(4, 1.0);
+    projektiv.SetParam(5, -1.0);
+    projektiv.SetParam(6, 0.5);
+    photo.SetReseauPreTrafo(projektiv);
+    for (int mode : {1, 7}) {
+        const OvBikoTransform t(&photo, static_cast<eConvertBikoMode>(mode));
+        for (const XY start : {XY{3.0, 4.0}, XY{-2.0, 7.5}, XY{0.125, -1e6}, XY{-1.9999, 0.0}}) {
+            double x = start.x, y = start.y, z = 0.0;
+            double px = start.x, py = start.y;
+            const bool ok = t.Transform(&x, &y, &z);
+            EXPECT_EQ(ok, t.GetTransformation().PTrans2D(&px, &py));
+            EXPECT_EQ(x, px);  // bit for bit
+            EXPECT_EQ(y, py);
+        }
+    }
+    // d = 0 at x = -2: the point stays and the conversion reports it.
+    double x = -2.0, y = 3.0, z = 0.0;
+    EXPECT_FALSE(OvBikoTransform(&photo, eConvertMeasureToPre).Transform(&x, &y, &z));
+    EXPECT_EQ(x, -2.0);
+    EXPECT_EQ(y, 3.0);
+    // A matrix changed through the reference is the one applied.
+    OvBikoTransform t(&photo, eConvertMeasureToPre);
+    t.GetTransformation().SetIdent();
+    x = 5.0;
+    EXPECT_TRUE(t.Transform(&x, &y, &z));
+    EXPECT_EQ(x, 5.0);
+}
+
 TEST(BikoTransform, NullPhotoConvertsThroughIdentities) {
     const OvBikoTransform t(nullptr, eConvertMeasureToBiko);
     EXPECT_TRUE(t.GetTransformation().IsIdent());
