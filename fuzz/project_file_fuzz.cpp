@@ -1,6 +1,6 @@
 // Project files from arbitrary bytes: reading must never crash, and whatever photos are read
 // must write out, read back as as many photos and write out to the same text again.
-#include <cmath>
+#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,37 +11,31 @@
 
 namespace {
 
-using orvo::OvPhoto;
 using orvo::OvPhotoList;
 
-bool Finite(double v) {
-    return std::isfinite(v);
-}
-
-bool Finite(const orvo::OvTrafo2d& t) {
-    for (int i = 0; i < orvo::OvTrafo2d::kMaxParams; ++i)
-        if (!Finite(t.GetParam(i))) return false;
-    return true;
-}
-
-// A number that is not finite (or overflows when written with the writers' digits) cannot be
-// written so that it reads back; such photos are left out of the round-trip check.
-bool AllFinite(const OvPhotoList& photos) {
-    for (const OvPhoto* p = photos.First(); p != nullptr; p = p->Next()) {
-        const orvo::OvCamera& c = p->GetCamera();
-        const orvo::OvRegion& r = p->GetDigiRegion();
-        const double values[] = {p->GetScale(), r.Left(),    r.Bottom(), r.Right(),
-                                 r.Top(),       c.GetC(),    c.GetXh(),  c.GetYh(),
-                                 c.GetA1(),     c.GetA2(),   c.GetR0(),  p->GetScreenPos().GetX(),
-                                 p->GetScreenPos().GetY()};
-        for (double v : values)
-            if (!Finite(v)) return false;
-        if (!Finite(p->GetReseauPreTrafo()) || !Finite(p->GetReseauMainTrafo()) ||
-            !Finite(p->GetReseauPolyInv())) {
-            return false;
+// A number that is not finite is written as "nan" or "inf", which no reader takes for a number
+// (and a number near the largest double can round up to infinity on the way through the
+// text). Texts holding such a word outside double quotes are left out of the round-trip check.
+bool HasNonFiniteNumber(const std::string& text) {
+    bool quoted = false;
+    std::string word;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        const char c = i < text.size() ? text[i] : ' ';
+        if (c == '\n') quoted = false;
+        if (c == '"') {
+            quoted = !quoted;
+            word.clear();
+            continue;
+        }
+        if (quoted) continue;
+        if (std::isspace(static_cast<unsigned char>(c)) || c == '{' || c == '}') {
+            if (word == "nan" || word == "-nan" || word == "inf" || word == "-inf") return true;
+            word.clear();
+        } else {
+            word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         }
     }
-    return true;
+    return false;
 }
 
 std::string Written(const OvPhotoList& photos) {
@@ -66,8 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     OvPhotoList second;
     orvo::OvProjectFileErrors secondErrors;
     if (orvo::OvReadProject(again, "fuzz.pro", second, &secondErrors) != read) std::abort();
-    if (AllFinite(photos) && AllFinite(second)) {
-        if (Written(second) != first) std::abort();
+    const std::string rewritten = Written(second);
+    if (!HasNonFiniteNumber(first) && !HasNonFiniteNumber(rewritten) && rewritten != first) {
+        std::abort();
     }
     return 0;
 }
