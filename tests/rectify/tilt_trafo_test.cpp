@@ -145,6 +145,33 @@ TEST(OvTiltTrafoTest, TransformAppliesDistortionTiltAndPlacementInTurn) {
     EXPECT_DOUBLE_EQ(same.GetY(), out.GetY());
 }
 
+TEST(OvTiltTrafoTest, ListMappingMatchesTheMatrixMappingExactly) {
+    OvTiltTrafo trafo;
+    trafo.SetTiltMat(Matrix3(kTilt));
+    OvMatrix placement = Placement();
+    placement.SetElem(4, 1, 0.003);  // a projective placement
+    placement.SetElem(4, 3, -0.5);
+    trafo.SetTransMat(placement);
+    OvPointList list;
+    // The second point lies on the tilt matrix's horizon (w = 0.01 * -100 + 1 = 0).
+    const double coordinates[][3] = {{3.0, 4.0, 2.0},    {-100.0, 0.0, 0.0}, {1e6, -3e5, 7.0},
+                                     {0.125, -7.5, 2.0}, {-1.0, 0.5, -4.0},  {-300.0, 0.0, 0.0}};
+    for (const auto& c : coordinates)
+        list.Add(OvPoint(0, c[0], c[1], c[2], 0));
+    ASSERT_EQ(trafo.Transform(&list), 6);
+    int i = 0;
+    for (const OvPoint* p = list.First(); p != nullptr; p = p->Next(), ++i) {
+        double x = coordinates[i][0];
+        double y = coordinates[i][1];
+        double z = coordinates[i][2];
+        trafo.GetTiltMat().PTrans2D(&x, &y);
+        trafo.GetTransMat().PTrans3D(&x, &y, &z);
+        EXPECT_EQ(p->GetX(), x) << i;
+        EXPECT_EQ(p->GetY(), y) << i;
+        EXPECT_EQ(p->GetZ(), z) << i;
+    }
+}
+
 TEST(OvTiltTrafoTest, APointAtTheHorizonIsLeftWhereItIs) {
     OvTiltTrafo trafo;
     const double horizon[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {1.0, 0.0, -2.0}};
