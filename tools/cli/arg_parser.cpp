@@ -1,4 +1,4 @@
-#include "cli/arg_parser.h"
+#include "arg_parser.h"
 
 #include <charconv>
 #include <cmath>

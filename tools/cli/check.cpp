@@ -12,16 +12,16 @@
 #include <string>
 #include <vector>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
-#include "cli/json_writer.h"
-#include "cli/point_files.h"
+#include "cli.h"
+#include "command_support.h"
+#include "json_writer.h"
 #include "orvo/model/camera_list.h"
 #include "orvo/model/photo_list.h"
 #include "orvo/model/project_file.h"
 #include "orvo/model/reseau_file.h"
 #include "orvo/model/reseau_list.h"
 #include "orvo/textfile/filetype.h"
+#include "point_files.h"
 
 namespace orvo::cli {
 

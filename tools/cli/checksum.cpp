@@ -1,8 +1,8 @@
 // `orvo checksum FILE...`: MD5 and CRC-32 of each file, one line per file.
 #include <cstdio>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
+#include "cli.h"
+#include "command_support.h"
 #include "orvo/services/checksum.h"
 
 namespace orvo::cli {

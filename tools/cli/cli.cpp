@@ -1,10 +1,10 @@
-#include "cli/cli.h"
+#include "cli.h"
 
 #include <array>
 #include <cstring>
 #include <sstream>
 
-#include "cli/command_support.h"
+#include "command_support.h"
 #include "orvo/foundation/version.h"
 
 namespace orvo::cli {

@@ -1,4 +1,4 @@
-#include "cli/command_support.h"
+#include "command_support.h"
 
 #include <algorithm>
 #include <cmath>
@@ -169,6 +169,14 @@ void ProgressTask::Step(std::int64_t done) {
 
 // -- numbers
 // ---------------------------------------------------------------------------------------
+
+std::string ParamName(int index) {
+    // Built up rather than as "p" + std::to_string(index), which g++ 12 at -O2 warns about
+    // (a false -Wrestrict in the library's string concatenation).
+    std::string name = "p";
+    name += std::to_string(index);
+    return name;
+}
 
 std::string Right(const std::string& text, int width) {
     const auto w = static_cast<std::size_t>(std::max(width, 0));

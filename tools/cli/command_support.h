@@ -9,8 +9,8 @@
 #include <ostream>
 #include <string>
 
-#include "cli/arg_parser.h"
-#include "cli/cli.h"
+#include "arg_parser.h"
+#include "cli.h"
 #include "orvo/foundation/link.h"
 #include "orvo/services/logger.h"
 
@@ -113,6 +113,8 @@ private:
 std::string Fixed(double value, int decimals, int width = 0);
 /// The value with `digits` significant digits in the shortest of fixed and scientific form.
 std::string General(double value, int digits, int width = 0);
+/// "p0", "p1", ...: the name of a transformation parameter.
+std::string ParamName(int index);
 /// The text right-aligned in `width`.
 std::string Right(const std::string& text, int width);
 /// The text left-aligned in `width`.

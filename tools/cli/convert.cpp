@@ -4,12 +4,12 @@
 // the same columns.
 #include <string>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
-#include "cli/point_files.h"
-#include "cli/project_support.h"
+#include "cli.h"
+#include "command_support.h"
 #include "orvo/model/photo.h"
 #include "orvo/numerics/biko_transform.h"
+#include "point_files.h"
+#include "project_support.h"
 
 namespace orvo::cli {
 

@@ -25,11 +25,9 @@
 #include <utility>
 #include <vector>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
-#include "cli/demo_truth.h"
-#include "cli/point_files.h"
-#include "cli/project_support.h"
+#include "cli.h"
+#include "command_support.h"
+#include "demo_truth.h"
 #include "orvo/model/camera_list.h"
 #include "orvo/model/photo.h"
 #include "orvo/model/photo_list.h"
@@ -37,6 +35,8 @@
 #include "orvo/model/reseau_list.h"
 #include "orvo/numerics/calc_trafo2d.h"
 #include "orvo/rectify/tilt_trafo.h"
+#include "point_files.h"
+#include "project_support.h"
 
 namespace orvo::cli {
 
@@ -211,8 +211,7 @@ bool ReadInputs(Demo& demo) {
 
 void PrintParameters(std::ostream& out, const OvTrafo2d& trafo, const OvTrafo2DFitReport& report) {
     for (int i = 0; i < trafo.GetParamCount(); ++i) {
-        out << "      " << Left("p" + std::to_string(i), 4) << General(trafo.GetParam(i), 10, 18)
-            << "  +- ";
+        out << "      " << Left(ParamName(i), 4) << General(trafo.GetParam(i), 10, 18) << "  +- ";
         const bool lineEnds = i % 2 == 1 || i + 1 == trafo.GetParamCount();
         out << (lineEnds ? General(report.stdDev[i], 2) + "\n"
                          : Left(General(report.stdDev[i], 2), 11));
@@ -240,7 +239,7 @@ void CompareWithTrueScan(Demo& demo, const OvPhoto& photo, const OvPointList& me
             const double trueValue = truth.scan.GetParam(i);
             const double off = affine.GetParam(i) - trueValue;
             const double sd = report.stdDev[i];
-            out << "      " << Left("p" + std::to_string(i), 4) << General(trueValue, 10, 18)
+            out << "      " << Left(ParamName(i), 4) << General(trueValue, 10, 18)
                 << General(affine.GetParam(i), 10, 18) << General(sd, 2, 12)
                 << (sd > 0.0 ? Fixed(off / sd, 1, 10) : Right("-", 10)) << "\n";
         }

@@ -1,4 +1,4 @@
-#include "cli/demo_truth.h"
+#include "demo_truth.h"
 
 #include "orvo/textfile/reader.h"
 

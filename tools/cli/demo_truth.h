@@ -23,10 +23,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/point_files.h"
 #include "orvo/foundation/link.h"
 #include "orvo/model/point_list.h"
 #include "orvo/numerics/trafo2d.h"
+#include "point_files.h"
 
 namespace orvo::cli {
 

@@ -11,14 +11,14 @@
 #include <string>
 #include <vector>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
-#include "cli/json_writer.h"
-#include "cli/point_files.h"
-#include "cli/svg_plot.h"
+#include "cli.h"
+#include "command_support.h"
+#include "json_writer.h"
 #include "orvo/geom2d/region.h"
 #include "orvo/numerics/calc_trafo2d.h"
 #include "orvo/textfile/writer.h"
+#include "point_files.h"
+#include "svg_plot.h"
 
 namespace orvo::cli {
 
@@ -80,8 +80,8 @@ void PrintText(std::ostream& out, const FitOutcome& fit) {
         << (fit.suggested ? " (suggested by the number and spread of the points)" : "") << "\n"
         << "\nparameters (value, standard deviation):\n";
     for (int i = 0; i < fit.trafo.GetParamCount(); ++i) {
-        out << "  " << Left("p" + std::to_string(i), 4) << General(fit.trafo.GetParam(i), 12, 22)
-            << "  +- " << General(report.stdDev[i], 3) << "\n";
+        out << "  " << Left(ParamName(i), 4) << General(fit.trafo.GetParam(i), 12, 22) << "  +- "
+            << General(report.stdDev[i], 3) << "\n";
     }
     out << "sigma0 " << General(report.sigma0, 4) << ", redundancy " << report.redundancy
         << (fit.report.normalized ? "" : " (fitted on raw coordinates)") << "\n";
@@ -145,7 +145,7 @@ void PrintJson(std::ostream& out, const FitOutcome& fit) {
     for (int i = 0; i < fit.trafo.GetParamCount(); ++i) {
         json.BeginObject()
             .Key("name")
-            .String("p" + std::to_string(i))
+            .String(ParamName(i))
             .Key("value")
             .Number(fit.trafo.GetParam(i))
             .Key("std_dev")

@@ -1,4 +1,4 @@
-#include "cli/point_files.h"
+#include "point_files.h"
 
 #include <charconv>
 #include <fstream>
@@ -7,7 +7,7 @@
 #include <map>
 #include <sstream>
 
-#include "cli/arg_parser.h"
+#include "arg_parser.h"
 #include "orvo/foundation/link.h"
 #include "orvo/textfile/writer.h"
 

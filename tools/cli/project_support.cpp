@@ -1,9 +1,9 @@
-#include "cli/project_support.h"
+#include "project_support.h"
 
 #include <fstream>
 
-#include "cli/arg_parser.h"
-#include "cli/command_support.h"
+#include "arg_parser.h"
+#include "command_support.h"
 #include "orvo/model/project_file.h"
 
 namespace orvo::cli {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "cli/cli.h"
+#include "cli.h"
 #include "orvo/model/photo_list.h"
 #include "orvo/numerics/biko_transform.h"
 

@@ -3,13 +3,13 @@
 // so, the projective tilt matrix into the rectified plane, the placement into object space.
 #include <string>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
-#include "cli/point_files.h"
-#include "cli/project_support.h"
+#include "cli.h"
+#include "command_support.h"
 #include "orvo/model/photo.h"
 #include "orvo/numerics/biko_transform.h"
 #include "orvo/rectify/tilt_trafo.h"
+#include "point_files.h"
+#include "project_support.h"
 
 namespace orvo::cli {
 

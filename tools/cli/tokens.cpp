@@ -10,8 +10,8 @@
 #include <fstream>
 #include <string>
 
-#include "cli/cli.h"
-#include "cli/command_support.h"
+#include "cli.h"
+#include "command_support.h"
 #include "orvo/textfile/tokenizer.h"
 
 namespace orvo::cli {
