@@ -10,6 +10,7 @@
 #include "orvo/numerics/linalg_errors.h"
 #include "orvo/numerics/matrix.h"
 #include "orvo/rectify/tilt_parallel_def.h"
+#include "orvo/rectify/tilt_trafo.h"
 
 namespace orvo {
 namespace {
@@ -378,6 +379,74 @@ TEST_F(MetricFacade, NoisyMeasurementsGiveSmallAngleErrors) {
     const XY w = Rectified(tilt, {4, 0});
     const XY h = Rectified(tilt, {0, 2});
     EXPECT_NEAR(std::hypot(w.x - o.x, w.y - o.y) / std::hypot(h.x - o.x, h.y - o.y), 2.0, 0.05);
+}
+
+// ---- on a tilt transform ------------------------------------------------------------------
+
+TEST(OvEstimateTiltTrafoTest, FromMeasuredAndDefinitionPointsThroughTheDistortion) {
+    // The camera's distortion is removed before the tilt matrix: the synthetic image points are
+    // made by distorting the ideal ones, so that the correction gives them back.
+    const OvCamera camera(7, 50.0, 0.0, 0.0, 2e-5, 0.0, 0.0, "lens");
+    OvTiltTrafo trafo;
+    trafo.SetDistortCameraFlag(true);
+    trafo.SetDistortCameraParam(camera);
+    unsigned id = 1;
+    for (double y : {0.0, 3.0, 6.0}) {
+        for (double x : {0.0, 5.0, 10.0}) {
+            const XY ideal = Map(kFacadeToImage, {x, y});
+            double u = ideal.x;
+            double v = ideal.y;
+            ASSERT_TRUE(camera.InvAdjust(&u, &v));
+            trafo.GetMeasPoints().AddPoint(OvPoint(id, u, v, 0.0, 0));
+            trafo.GetBikoList().AddPoint(OvPoint(id, x, y, 0.0, 0));
+            ++id;
+        }
+    }
+    ASSERT_EQ(OvEstimateTiltTrafo(trafo), TiltEstimateOk);
+    // Every measured point now lands on its definition point through the whole transform.
+    const OvPoint* d = trafo.GetBikoList().First();
+    for (const OvPoint* m = trafo.GetMeasPoints().First(); m != nullptr; m = m->Next()) {
+        OvPoint out;
+        ASSERT_TRUE(trafo.Transform(m, &out));
+        EXPECT_NEAR(out.GetX(), d->GetX(), 1e-7);
+        EXPECT_NEAR(out.GetY(), d->GetY(), 1e-7);
+        d = d->Next();
+    }
+    // Too few definition points: the matrix stays.
+    OvTiltTrafo few;
+    few.GetMeasPoints().AddPoint(OvPoint(1, 0.0, 0.0, 0.0, 0));
+    few.GetBikoList().AddPoint(OvPoint(1, 0.0, 0.0, 0.0, 0));
+    EXPECT_EQ(OvEstimateTiltTrafo(few), TiltEstimateTooFewPoints);
+    EXPECT_TRUE(few.GetTiltMat().IsIdent());
+}
+
+TEST_F(MetricFacade, OnATiltTransformsOwnParallelDefinition) {
+    OvTiltTrafo trafo;
+    for (const OvPoint* p = points.First(); p != nullptr; p = p->Next())
+        trafo.GetMeasPoints().AddPoint(*p);
+    OvTiltParallelDef& own = trafo.GetParallelDef();
+    own.MakeDefLine(1, 2)->SetValue(4.0);
+    own.MakeDefLine(4, 3);
+    own.MakeDefLine(1, 4);
+    own.MakeDefLine(2, 3);
+    own.MakeDefLine(5, 7);
+    own.MakeDefLine(6, 8);
+    own.MakeConstraintDef(1, 2, ConstraintTypeParallel);
+    own.MakeConstraintDef(3, 4, ConstraintTypeParallel);
+    own.MakeConstraintDef(1, 3, ConstraintTypePerpendicular);
+    own.MakeConstraintDef(5, 6, ConstraintTypePerpendicular);
+    OvMetricTiltOptions options;
+    options.useLineValuesAsLengths = true;
+    ASSERT_EQ(OvEstimateMetricTiltTrafo(trafo, options), TiltEstimateOk);
+    for (XY p : {XY{0, 0}, XY{4, 2}, XY{8, 3}}) {
+        const XY r = Map(trafo.GetTiltMat(), Map(kFacadeToImage, p));
+        EXPECT_NEAR(r.x, p.x, 1e-8);
+        EXPECT_NEAR(r.y, p.y, 1e-8);
+    }
+    // The transform's own definition still refers to its own points.
+    EXPECT_EQ(trafo.GetParallelDef().GetPointList(), &trafo.GetMeasPoints().GetPointList());
+    OvTiltTrafo empty;
+    EXPECT_EQ(OvEstimateMetricTiltTrafo(empty), TiltEstimateTooFewParallel);
 }
 
 TEST(OvEstimateTiltTest, ResultTexts) {

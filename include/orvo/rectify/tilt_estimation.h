@@ -27,6 +27,7 @@ namespace orvo {
 class OvMatrix;
 class OvPointList;
 class OvTiltParallelDef;
+class OvTiltTrafo;
 
 enum eOvTiltEstimateResult : std::int32_t {
     TiltEstimateOk = 0,
@@ -105,5 +106,17 @@ struct OvMetricTiltReport {
 eOvTiltEstimateResult OvEstimateMetricTilt(const OvTiltParallelDef& def, OvMatrix& tilt,
                                            const OvMetricTiltOptions& options = {},
                                            OvMetricTiltReport* report = nullptr);
+
+// On a tilt transform: the image points are corrected for lens distortion first when the
+// transform compensates it (as its `Transform` does before the tilt matrix), and the estimated
+// matrix becomes the transform's tilt matrix on success; on failure nothing changes.
+
+/// The projective fit of the transform's measured points ("MEASPOINTS") to its definition
+/// points ("DEFPOINTS", plane coordinates x, y), partners by point number.
+eOvTiltEstimateResult OvEstimateTiltTrafo(OvTiltTrafo& trafo, OvTrafo2DFitReport* report = nullptr);
+/// The metric rectification from the transform's parallel definition.
+eOvTiltEstimateResult OvEstimateMetricTiltTrafo(OvTiltTrafo& trafo,
+                                                const OvMetricTiltOptions& options = {},
+                                                OvMetricTiltReport* report = nullptr);
 
 }  // namespace orvo
