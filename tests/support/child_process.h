@@ -144,7 +144,9 @@ inline std::optional<std::int64_t> RunOnFullDisk(std::size_t limitBytes,
     const bool reported = child_detail::ReadExactly(channel[0], &result, sizeof result);
     ::close(channel[0]);
     const int status = child_detail::WaitFor(child);
-    if (!reported || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
+    // The exit code itself is not checked: a memory checker running the tests may replace it
+    // with its own for errors found earlier in the process, which the child inherited.
+    if (!reported || !WIFEXITED(status)) return std::nullopt;
     return result;
 }
 
