@@ -366,7 +366,8 @@ def main():
         text += "    %-12s" % "PRERESTRAFO" + "\n    {\n" + trafo_block("    ", 0, []) + "    }\n"
         text += "    %-12s" % "MAINRESTRAFO" + "\n    {\n" + trafo_block("    ", *main) + "    }\n"
         if digital:
-            text += "    %-12s" % "SCREENPOS" + " %4s" % "{" + "".join(" %21s" % g(v, 16) for v in (0, 0)) + "}\n"
+            position = "".join(" %21s" % g(v, 16) for v in (0, 0))
+            text += "    %-12s" % "SCREENPOS" + " %4s" % "{" + position + "}\n"
             text += "    %-12s" % "SCREENSIZE" + " %4d" % 0 + "\n"
         return text + extra + "    \n}\n\n"
 

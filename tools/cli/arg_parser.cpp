@@ -280,8 +280,7 @@ void ArgParser::PrintHelp(std::ostream& out) const {
     if (!epilog_.empty() && epilog_.back() != '\n') out << "\n";
 }
 
-// -- numbers
-// ---------------------------------------------------------------------------------------
+// -- numbers -------------------------------------------------------------------------------------
 
 std::optional<unsigned> ParseUnsigned(const std::string& text) {
     if (text.empty() || text[0] < '0' || text[0] > '9') return std::nullopt;

@@ -38,8 +38,7 @@ void PrintError(Io& io, const std::string& name, const std::string& text) {
     io.err << name << ": " << text << "\n";
 }
 
-// -- logging
-// ---------------------------------------------------------------------------------------
+// -- logging -------------------------------------------------------------------------------------
 
 class LogSession::StreamLogger : public OvLogger {
 public:
@@ -80,8 +79,7 @@ void LogMessage(int level, const std::string& text) {
     OvApplicationLogger::Log(level, String(text.c_str()));
 }
 
-// -- progress
-// --------------------------------------------------------------------------------------
+// -- progress ------------------------------------------------------------------------------------
 
 namespace {
 constexpr int kBarWidth = 30;
@@ -167,8 +165,7 @@ void ProgressTask::Step(std::int64_t done) {
     OvProgressBarRouter::SetProgressBarPos(percent);
 }
 
-// -- numbers
-// ---------------------------------------------------------------------------------------
+// -- numbers -------------------------------------------------------------------------------------
 
 std::string ParamName(int index) {
     // Built up rather than as "p" + std::to_string(index), which g++ 12 at -O2 warns about

@@ -92,8 +92,7 @@ std::string PhotoTitle(const OvPhoto& photo) {
     return title + ")";
 }
 
-// -- reading
-// -----------------------------------------------------------------------------------------
+// -- reading -------------------------------------------------------------------------------------
 
 bool ReadInputs(Demo& demo) {
     std::ostream& out = demo.io.out;
@@ -206,8 +205,7 @@ bool ReadInputs(Demo& demo) {
     return true;
 }
 
-// -- the reseau transformation of an analog photo
-// ---------------------------------------------------
+// -- the reseau transformation of an analog photo ------------------------------------------------
 
 void PrintParameters(std::ostream& out, const OvTrafo2d& trafo, const OvTrafo2DFitReport& report) {
     for (int i = 0; i < trafo.GetParamCount(); ++i) {
@@ -326,8 +324,7 @@ void FitReseau(Demo& demo, OvPhoto& photo) {
         CompareWithTrueScan(demo, photo, measured, nominal, *truth);
 }
 
-// -- points
-// ----------------------------------------------------------------------------------------
+// -- points --------------------------------------------------------------------------------------
 
 // Converts the measured points of the photo to image coordinates (its Imo list) and prints
 // them, next to the true ones when known.
