@@ -6,9 +6,14 @@
 // scanning goes on. Every scan stops at the line's terminating NUL, which ReadLine always
 // writes, so no input can make the scanner leave the buffer.
 #include <cerrno>
+#include <cfenv>
+#include <cfloat>
+#include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <string>
+#include <system_error>
 
 #include "orvo/textfile/tokenizer.h"
 
@@ -31,9 +36,15 @@ bool IsLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-// The value of an integer token: clamped for the 32-bit field, exact (as far as a double
-// holds it) for every numeric use.
-void ConvertInteger(const char* text, std::int32_t& clamped, double& exact) {
+std::int32_t ClampTo32Bits(long long value) {
+    constexpr long long kMin = std::numeric_limits<std::int32_t>::min();
+    constexpr long long kMax = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(value < kMin ? kMin : (value > kMax ? kMax : value));
+}
+
+// The value of an integer token the C library's way: strtoll, and where that overflows, strtod
+// of the same digits. errno is left as it was: a number out of range is not an error here.
+void ConvertIntegerByCLibrary(const char* text, std::int32_t& clamped, double& exact) {
     const int savedErrno = errno;
     errno = 0;
     char* end = nullptr;
@@ -47,9 +58,151 @@ void ConvertInteger(const char* text, std::int32_t& clamped, double& exact) {
         exact = static_cast<double>(value);
     }
     errno = savedErrno;
-    constexpr long long kMin = std::numeric_limits<std::int32_t>::min();
-    constexpr long long kMax = std::numeric_limits<std::int32_t>::max();
-    clamped = static_cast<std::int32_t>(value < kMin ? kMin : (value > kMax ? kMax : value));
+    clamped = ClampTo32Bits(value);
+}
+
+// The value of an integer token: clamped for the 32-bit field, exact (as far as a double
+// holds it) for every numeric use. This is the hot path of reading ids and counts, so the
+// common form (an optional sign and at most 18 digits, which cannot overflow 64 bits) is
+// converted here; anything else (more digits, leading blanks that strtoll would skip, no
+// digit after the sign) goes to the C library.
+void ConvertInteger(const char* text, std::int32_t& clamped, double& exact) {
+    constexpr int kSafeDigits = 18;
+    const char* digits = text;
+    const bool negative = *digits == '-';
+    if (*digits == '-' || *digits == '+') ++digits;
+    std::uint64_t magnitude = 0;
+    int count = 0;
+    while (count < kSafeDigits && IsDigit(digits[count])) {
+        magnitude = magnitude * 10 + static_cast<std::uint64_t>(digits[count] - '0');
+        ++count;
+    }
+    if (count == 0 || IsDigit(digits[count])) {
+        ConvertIntegerByCLibrary(text, clamped, exact);
+        return;
+    }
+    const auto value = static_cast<long long>(magnitude);
+    const long long signedValue = negative ? -value : value;
+    // strtod keeps the sign of "-0".
+    exact = magnitude != 0 ? static_cast<double>(signedValue) : (negative ? -0.0 : 0.0);
+    clamped = ClampTo32Bits(signedValue);
+}
+
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kLargestExactPowerOfTen = 22;
+// Integers up to 2^53 convert to double exactly.
+constexpr std::uint64_t kLargestExactInteger = std::uint64_t{1} << 53;
+// More significant digits than this are not gathered (10^19 still fits 64 bits).
+constexpr int kMaxGatheredDigits = 19;
+
+// The common case of a floating token, decimal digits with a point and an exponent of modest
+// size, done exactly: when the significant digits form an integer of at most 2^53 and the
+// decimal exponent is at most 22 either way, both are exact doubles and the value is one
+// multiplication or division of them, which rounds once, correctly, in the current rounding
+// direction, as strtod does. Reads what strtod reads: an optional sign, digits with at most
+// one point (at least one digit), and an exponent only when a digit follows the "e" and its
+// sign. Returns false, leaving `value` alone, for anything it cannot do exactly that way.
+bool ConvertFloatExactly(const char* text, double& value) {
+    if constexpr (FLT_EVAL_METHOD != 0) {
+        return false;  // the operations below would round twice
+    }
+    const char* p = text;
+    const bool negative = *p == '-';
+    if (*p == '-' || *p == '+') ++p;
+    const char* const mantissa = p;
+
+    // Leading zeros carry no digits; after them every digit is gathered (a run of more than
+    // kMaxGatheredDigits digits overflows `significand`, but is refused below).
+    while (*p == '0')
+        ++p;
+    std::uint64_t significand = 0;
+    const char* gatherStart = p;
+    for (; IsDigit(*p); ++p)
+        significand = significand * 10 + static_cast<std::uint64_t>(*p - '0');
+    std::ptrdiff_t gathered = p - gatherStart;
+    int exponent = 0;
+    bool point = false;
+    if (*p == '.') {
+        point = true;
+        ++p;
+        if (gathered == 0) {
+            // Zeros right after the point only scale the value.
+            const char* zeros = p;
+            while (*p == '0')
+                ++p;
+            exponent -= static_cast<int>(p - zeros);
+        }
+        gatherStart = p;
+        for (; IsDigit(*p); ++p)
+            significand = significand * 10 + static_cast<std::uint64_t>(*p - '0');
+        exponent -= static_cast<int>(p - gatherStart);
+        gathered += p - gatherStart;
+    }
+    if (p - mantissa == (point ? 1 : 0)) return false;  // no digit at all
+    if (gathered > kMaxGatheredDigits) return false;
+
+    if (*p == 'e' || *p == 'E') {
+        const char* q = p + 1;
+        const bool negativeExponent = *q == '-';
+        if (*q == '-' || *q == '+') ++q;
+        if (IsDigit(*q)) {
+            int written = 0;
+            for (; IsDigit(*q); ++q) {
+                // Beyond this the value is far out of the exact range anyway.
+                if (written > 100000) return false;
+                written = written * 10 + (*q - '0');
+            }
+            exponent += negativeExponent ? -written : written;
+        }
+    }
+    if (significand == 0) {
+        value = negative ? -0.0 : 0.0;
+        return true;
+    }
+    if (significand > kLargestExactInteger || exponent > kLargestExactPowerOfTen ||
+        exponent < -kLargestExactPowerOfTen)
+        return false;
+    // The sign goes in before the rounding operation: with a directed rounding the magnitude
+    // of a negative value rounds the other way.
+    const double digits =
+        negative ? -static_cast<double>(significand) : static_cast<double>(significand);
+    value = exponent >= 0 ? digits * kExactPowersOfTen[exponent]
+                          : digits / kExactPowersOfTen[-exponent];
+    return true;
+}
+
+// The value of a floating token (the token's NUL-terminated text): exactly what strtod gives
+// in the "C" locale.
+//
+// strtod is slow (it used to take most of the time of reading a file of coordinates), so the
+// decimal forms are converted here or by std::from_chars, which rounds correctly as well and
+// gives the same double for every text it accepts when the rounding direction is the default.
+// from_chars does not take a leading "+", so the sign is handled here (a value correctly
+// rounded to nearest is symmetric in the sign). The forms it reads differently or not at all
+// go to strtod: hexadecimal ("0x", where from_chars would stop after the "0"), "inf" and
+// "nan", a sign not followed by a digit or a point, leading blanks, values out of range
+// (strtod gives infinity or zero there), and every text while the host has switched the
+// rounding direction away from the default (from_chars always rounds to nearest).
+double ConvertFloat(const char* text) {
+    double value = 0.0;
+    if (ConvertFloatExactly(text, value)) return value;
+    const char* p = text;
+    const bool negative = *p == '-';
+    if (*p == '-' || *p == '+') ++p;
+    const bool decimal =
+        (IsDigit(*p) || *p == '.') && !(p[0] == '0' && (p[1] == 'x' || p[1] == 'X'));
+    if (decimal && std::fegetround() == FE_TONEAREST) {
+        const std::from_chars_result result = std::from_chars(p, p + std::strlen(p), value);
+        if (result.ec == std::errc()) return negative ? -value : value;
+    }
+    // errno is left as it was: a number out of range is not an error here.
+    const int savedErrno = errno;
+    value = std::strtod(text, nullptr);
+    errno = savedErrno;
+    return value;
 }
 
 }  // namespace
@@ -148,59 +301,115 @@ void OvParser::SetTokenseperator(char c, bool on) {
     }
 }
 
-// Reads one line like istream::getline with a buffer of kLineBufferSize: the line feed is
-// taken and dropped, a line that does not fit marks the stream failed (with its first
-// kMaxLineLength characters kept), and a read that finds nothing marks it failed and at its
-// end. A carriage return directly before the line feed is dropped as part of the line end.
-void OvParser::ReadLine(std::istream& in) {
-    using Traits = std::istream::traits_type;
+namespace {
+
+using Traits = std::istream::traits_type;
+
+// Reads one line into `buffer` (kLineBufferSize bytes) and returns its length, without the
+// NUL. See OvParser::ReadLine for the rules.
+//
+// istream::getline does the work: the standard library finds the line feed in the stream's
+// buffer a block at a time, much faster than taking character by character. What remains here
+// is the carriage return: it is dropped after the line has been read, and a line that filled
+// the buffer is still complete when a carriage return and a line feed come next.
+std::size_t ReadLineWithGetline(std::istream& in, char* buffer) {
+    in.getline(buffer, static_cast<std::streamsize>(OvParser::kLineBufferSize));
+    auto length = static_cast<std::size_t>(in.gcount());
+    const std::ios_base::iostate state = in.rdstate();
+    if ((state & (std::ios_base::failbit | std::ios_base::eofbit | std::ios_base::badbit)) == 0) {
+        // The line feed was taken (and counted).
+        --length;
+        if (length > 0 && buffer[length - 1] == '\r') --length;
+        return length;
+    }
+    if (length != OvParser::kMaxLineLength || state != std::ios_base::failbit) return length;
+
+    // The buffer is full and the next character is neither a line feed nor the end of the
+    // input (that would have set eofbit instead). A carriage return and a line feed still end
+    // the line properly; a carriage return followed by anything else is taken, and the line is
+    // too long.
+    in.clear();
+    std::ios_base::iostate after = std::ios_base::failbit;
+    try {
+        std::streambuf* source = in.rdbuf();
+        if (Traits::eq_int_type(source->sgetc(), Traits::to_int_type('\r'))) {
+            source->sbumpc();
+            if (Traits::eq_int_type(source->sgetc(), Traits::to_int_type('\n'))) {
+                source->sbumpc();
+                after = std::ios_base::goodbit;
+            }
+        }
+    } catch (...) {
+        after |= std::ios_base::badbit;
+    }
+    if (after != std::ios_base::goodbit) in.setstate(after);
+    return length;
+}
+
+// The same line reading one character at a time through the stream buffer, for streams that
+// throw on a failed read (getline would throw before the carriage return could be looked
+// at). The state is returned rather than set, so the caller can finish the line first.
+std::size_t ReadLineByCharacters(std::istream& in, char* buffer, std::ios_base::iostate& state) {
     std::size_t length = 0;
-    std::ios_base::iostate state = std::ios_base::goodbit;
     const std::istream::sentry ready(in, true);
-    if (ready) {
-        bool extracted = false;
-        try {
-            std::streambuf* source = in.rdbuf();
-            for (;;) {
-                const Traits::int_type next = source->sgetc();
-                if (Traits::eq_int_type(next, Traits::eof())) {
-                    state |= std::ios_base::eofbit;
+    if (!ready) return length;
+    bool extracted = false;
+    try {
+        std::streambuf* source = in.rdbuf();
+        for (;;) {
+            const Traits::int_type next = source->sgetc();
+            if (Traits::eq_int_type(next, Traits::eof())) {
+                state |= std::ios_base::eofbit;
+                break;
+            }
+            const char c = Traits::to_char_type(next);
+            if (c == '\n') {
+                source->sbumpc();
+                extracted = true;
+                break;
+            }
+            if (c == '\r') {
+                source->sbumpc();
+                extracted = true;
+                if (Traits::eq_int_type(source->sgetc(), Traits::to_int_type('\n'))) {
+                    source->sbumpc();
                     break;
                 }
-                const char c = Traits::to_char_type(next);
-                if (c == '\n') {
-                    source->sbumpc();
-                    extracted = true;
-                    break;
-                }
-                if (c == '\r') {
-                    source->sbumpc();
-                    extracted = true;
-                    if (Traits::eq_int_type(source->sgetc(), Traits::to_int_type('\n'))) {
-                        source->sbumpc();
-                        break;
-                    }
-                    // A carriage return inside the line is an ordinary character.
-                    if (length == kMaxLineLength) {
-                        state |= std::ios_base::failbit;
-                        break;
-                    }
-                    buffer_[length++] = c;
-                    continue;
-                }
-                if (length == kMaxLineLength) {
+                // A carriage return inside the line is an ordinary character.
+                if (length == OvParser::kMaxLineLength) {
                     state |= std::ios_base::failbit;
                     break;
                 }
-                buffer_[length++] = c;
-                source->sbumpc();
-                extracted = true;
+                buffer[length++] = c;
+                continue;
             }
-        } catch (...) {
-            state |= std::ios_base::badbit;
+            if (length == OvParser::kMaxLineLength) {
+                state |= std::ios_base::failbit;
+                break;
+            }
+            buffer[length++] = c;
+            source->sbumpc();
+            extracted = true;
         }
-        if (!extracted) state |= std::ios_base::failbit;
+    } catch (...) {
+        state |= std::ios_base::badbit;
     }
+    if (!extracted) state |= std::ios_base::failbit;
+    return length;
+}
+
+}  // namespace
+
+// Reads one line like istream::getline with a buffer of kLineBufferSize: the line feed is
+// taken and dropped, a line that does not fit marks the stream failed (with its first
+// kMaxLineLength characters kept), and a read that finds nothing marks it failed and at its
+// end. A carriage return directly before the line feed is dropped as part of the line end, so
+// it does not count against the length either.
+void OvParser::ReadLine(std::istream& in) {
+    std::ios_base::iostate state = std::ios_base::goodbit;
+    const std::size_t length = in.exceptions() == std::ios_base::goodbit
+                                   ? ReadLineWithGetline(in, buffer_.data())
+                                   : ReadLineByCharacters(in, buffer_.data(), state);
     buffer_[length] = '\0';
     scanPos_ = 0;
     savedChar_ = '\0';
@@ -265,26 +474,46 @@ bool OvParser::CutToken() {
 void OvParser::CutPlainToken() {
     char* const line = buffer_.data();
     const std::size_t start = scanPos_;
+    const char decPoint = decPoint_;
     std::size_t pos = start;
-    std::size_t digits = 0;
-    std::size_t letters = 0;
+    bool digits = false;
+    bool letters = false;
     bool floating = false;
-    for (; line[pos] != '\0'; ++pos) {
+    const auto delimits = [this](char c) {
+        return (lookup_.GetFlags(static_cast<unsigned char>(c)) & kAnyDelimiter) != 0;
+    };
+    // Runs of digits make up most of a project file, so they get a loop of their own that
+    // looks only for the end of the run. That is right unless the decimal point is itself a
+    // digit (a caller may choose any character): then every character takes the full way.
+    const bool pointIsDigit = IsDigit(decPoint);
+    for (;;) {
         const char c = line[pos];
-        if ((lookup_.GetFlags(static_cast<unsigned char>(c)) & kAnyDelimiter) != 0) break;
-        if (c == decPoint_) {
-            line[pos] = '.';
+        if (delimits(c)) break;
+        if (c == decPoint) {
+            if (c == '\0') break;
+            line[pos++] = '.';
             floating = true;
-        } else if (IsDigit(c)) {
-            ++digits;
-        } else if (IsLetter(c)) {
+            continue;
+        }
+        if (IsDigit(c)) {
+            digits = true;
+            ++pos;
+            if (!pointIsDigit) {
+                while (IsDigit(line[pos]) && !delimits(line[pos]))
+                    ++pos;
+            }
+            continue;
+        }
+        if (c == '\0') break;
+        if (IsLetter(c)) {
             // An exponent mark after a digit makes a number floating instead of a word.
-            if ((c == 'e' || c == 'E') && digits > 0) {
+            if ((c == 'e' || c == 'E') && digits) {
                 floating = true;
             } else {
-                ++letters;
+                letters = true;
             }
         }
+        ++pos;
     }
 
     const char stop = line[pos];
@@ -307,7 +536,7 @@ void OvParser::CutPlainToken() {
     const char* const text = line + start;
     token_.ivalue = 0;
     token_.dvalue = 0.0;
-    if (letters > 0) {
+    if (letters) {
         if (IsLetter(line[start])) {
             DeliverToken(TokenKeyword, start);
             return;
@@ -316,9 +545,9 @@ void OvParser::CutPlainToken() {
         SetTokenText(start);
         Fail(ParserErrorInvalidNumber);
     }
-    if (digits > 0) {
+    if (digits) {
         if (floating) {
-            token_.dvalue = std::strtod(text, nullptr);
+            token_.dvalue = ConvertFloat(text);
             DeliverToken(TokenFloat, start);
         } else {
             ConvertInteger(text, token_.ivalue, token_.dvalue);
