@@ -1,11 +1,13 @@
 # Everyday entry points; each wraps a CMake preset (see CMakePresets.json).
 #   make test   configure, build and run every test (sanitizers on), then fuzz each target briefly
+#               (FUZZ_SMOKE_RUNS executions from a fixed seed, so every machine sees the same inputs)
 #   make demo   build the release tool and run the main job on the bundled example
 #   make bench  build and run the benchmarks
 #   make fuzz   run every fuzz target longer (FUZZ_SECONDS each)
 
 FUZZ_SECONDS ?= 300
-FUZZ_SMOKE_SECONDS ?= 15
+FUZZ_SMOKE_RUNS ?= 20000
+FUZZ_SMOKE_SECONDS ?= 180
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 .PHONY: all test unit-test fuzz-build fuzz-smoke fuzz demo bench release format clean
@@ -24,7 +26,7 @@ fuzz-build:
 	cmake --build --preset fuzz -j $(JOBS)
 
 fuzz-smoke: fuzz-build
-	fuzz/run.sh build/fuzz $(FUZZ_SMOKE_SECONDS)
+	fuzz/run.sh build/fuzz $(FUZZ_SMOKE_SECONDS) $(FUZZ_SMOKE_RUNS)
 
 fuzz: fuzz-build
 	fuzz/run.sh build/fuzz $(FUZZ_SECONDS)
