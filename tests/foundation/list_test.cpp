@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <vector>
 
 #include "list_test_support.h"
@@ -130,12 +131,26 @@ TEST(ListOwnership, NodesThatCannotBelongHereAreRefused) {
     EXPECT_EQ(a.Subtract(&loose), nullptr);  // unlinked
     EXPECT_EQ(a.Subtract(b1), nullptr);      // the only node of another list
     EXPECT_EQ(b.Subtract(a1), nullptr);      // the head of another list
+    EXPECT_EQ(a.Add(b1), nullptr);           // the only node of another list: not shared
+    EXPECT_EQ(a.Insert(a1, b1), nullptr);
+    EXPECT_TRUE(b1->IsListed());
+    EXPECT_FALSE(loose.IsListed());
     EXPECT_EQ(a.Subtract(static_cast<OvListnode*>(nullptr)), nullptr);
     EXPECT_EQ(a.Add(a1), nullptr);  // still linked: not taken twice
     EXPECT_EQ(b.Add(a1), nullptr);
     EXPECT_EQ(a.Add(static_cast<OvListnode*>(nullptr)), nullptr);
     EXPECT_EQ(IdsOf(a), (Ids{1, 2}));
     EXPECT_EQ(IdsOf(b), (Ids{7}));
+
+    // An inner node of another list has neighbours that point back at it; it is still not ours.
+    TOvListHeader<OvListnode> c;
+    c.Add(new OvListnode(8));
+    OvListnode* inner = c.Add(new OvListnode(9));
+    c.Add(new OvListnode(10));
+    EXPECT_EQ(a.Subtract(inner), nullptr);
+    EXPECT_EQ(IdsOf(c), (Ids{8, 9, 10}));
+    EXPECT_EQ(c.Count(), 3);
+    EXPECT_EQ(a.Count(), 2);
 }
 
 TEST(ListOwnership, CopiesAreDeepAndUnlinked) {
@@ -184,6 +199,79 @@ TEST(ListAccess, GetIndexExistCount) {
     EXPECT_FALSE(list.Exist(nullptr));
     EXPECT_EQ(list.First(), n10);
     EXPECT_EQ(list.Last(), n30);
+}
+
+// Count is kept as nodes come and go rather than walked; any operation that links or unlinks
+// without telling it would show up here as a difference to a walk of the list.
+TEST(ListAccess, CountFollowsEveryOperationThatChangesTheList) {
+    using List = TOvListHeader<OvListnode>;
+    const auto walked = [](const List& list) { return static_cast<int>(IdsOf(list).size()); };
+    List a;
+    List b;
+    std::mt19937 random(20261121);
+    std::uint32_t nextId = 1;
+    for (int step = 0; step < 3000; ++step) {
+        List& list = step % 2 == 0 ? a : b;
+        List& other = step % 2 == 0 ? b : a;
+        const int n = list.Count();
+        OvListnode* some = n > 0 ? list.Get(static_cast<int>(random() % n)) : nullptr;
+        switch (random() % 13) {
+            case 0:
+            case 1:
+                list.Add(new OvListnode(nextId++ % 50));
+                break;
+            case 2:
+                list.Insert(some, new OvListnode(nextId++ % 50));
+                break;
+            case 3:
+                delete list.Subtract(some);
+                break;
+            case 4:
+                delete list.SubtractFirst();
+                break;
+            case 5:
+                list.Replace(OvListnode(nextId++ % 50));
+                break;
+            case 6:
+                list.SortedReplace(OvListnode(nextId++ % 50));
+                break;
+            case 7:
+                list.SortedInsert(new OvListnode(nextId++ % 50));
+                break;
+            case 8:
+                list.Sort();
+                break;
+            case 9:
+                if (random() % 4 == 0) list.MoveTo(&other);
+                break;
+            case 10:
+                if (n < 200) list.CopyTo(&list);  // onto its own tail
+                break;
+            case 11:
+                if (some != nullptr) {
+                    EXPECT_EQ(other.Add(some), nullptr);  // linked elsewhere: refused
+                }
+                break;
+            case 12:
+                if (random() % 8 == 0 && random() % 2 == 0) {
+                    list.Destroy();
+                } else if (random() % 8 == 0) {
+                    // SubtractAll hands the nodes back unlinked: keep them to delete.
+                    std::vector<std::unique_ptr<OvListnode>> handedBack;
+                    for (OvListnode* p = list.First(); p != nullptr;
+                         p = static_cast<OvListnode*>(p->GetNext()))
+                        handedBack.emplace_back(p);
+                    EXPECT_EQ(list.SubtractAll(), static_cast<int>(handedBack.size()));
+                }
+                break;
+        }
+        ASSERT_EQ(list.Count(), walked(list)) << "step " << step;
+        ASSERT_EQ(other.Count(), walked(other)) << "step " << step;
+    }
+    List copy(a);
+    EXPECT_EQ(copy.Count(), a.Count());
+    copy = b;
+    EXPECT_EQ(copy.Count(), b.Count());
 }
 
 TEST(ListAccess, InsertAtHeadMiddleAndIntoAnEmptyList) {

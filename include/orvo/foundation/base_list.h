@@ -21,9 +21,9 @@ namespace orvo {
 /// themselves. `Subtract` and the other removals hand the node back undeleted: the caller owns
 /// it from then on.
 ///
-/// Safety: membership is not searched (that would make removal linear), but a node whose links
-/// cannot belong to this list (an unlinked node, or the first or last node of another list) is
-/// refused: removal returns null and changes nothing. A node that is still linked is refused by
+/// Safety: every node knows the list that holds it, so membership costs no search. Removing a
+/// node that this list does not hold (an unlinked node, or any node of another list) is
+/// refused: removal returns null and changes nothing. A node that some list holds is refused by
 /// `Add`/`Insert`, which then return null and take no ownership. A node belongs to at most one
 /// list at a time.
 ///
@@ -109,6 +109,7 @@ public:
     virtual void Destroy();
     /// Like `Destroy` but the nodes are only unlinked, not deleted; returns their number.
     virtual int SubtractAll();
+    /// The number of nodes; kept up to date by every link and unlink, so it costs nothing.
     virtual int Count() const;
     /// Whether `node` is in this list (a walk from the head).
     virtual bool Exist(const T* node) const;
@@ -177,6 +178,9 @@ protected:
     T* tail = nullptr;
     std::uint32_t notifyLock = 0;
     OvStandardNotifier notifier;
+    // Nodes linked in this list. Long jobs over a list (conversions with progress reporting)
+    // need the total up front, and a counting walk would double their memory traffic.
+    int count = 0;
 
 private:
     static T* AsRecord(OvBaseListnode* node) { return static_cast<T*>(node); }
@@ -300,10 +304,7 @@ T* TOvBaseListHeader<T>::Get(int n) const {
 
 template <class T>
 int TOvBaseListHeader<T>::Count() const {
-    int n = 0;
-    for (T* p = head; p != nullptr; p = Next(p))
-        ++n;
-    return n;
+    return count;
 }
 
 template <class T>
@@ -346,12 +347,13 @@ T* TOvBaseListHeader<T>::FindFirstById(std::uint32_t id) const {
 template <class T>
 bool TOvBaseListHeader<T>::IsUnlinked(const T* node) const {
     const OvBaseListnode* b = node;
-    return b->prev == nullptr && b->next == nullptr && node != head;
+    return b->owner == nullptr && b->prev == nullptr && b->next == nullptr && node != head;
 }
 
 template <class T>
 bool TOvBaseListHeader<T>::CanBeLinkedHere(const T* node) const {
     const OvBaseListnode* b = node;
+    if (b->owner != this) return false;
     if (b->prev == nullptr ? node != head : b->prev->next != b) return false;
     if (b->next == nullptr ? node != tail : b->next->prev != b) return false;
     return true;
@@ -360,6 +362,7 @@ bool TOvBaseListHeader<T>::CanBeLinkedHere(const T* node) const {
 template <class T>
 void TOvBaseListHeader<T>::LinkAtTail(T* node) {
     OvBaseListnode* b = node;
+    b->owner = this;
     b->prev = tail;
     b->next = nullptr;
     if (tail != nullptr) {
@@ -368,12 +371,14 @@ void TOvBaseListHeader<T>::LinkAtTail(T* node) {
         head = node;
     }
     tail = node;
+    ++count;
 }
 
 template <class T>
 void TOvBaseListHeader<T>::LinkBefore(T* before, T* node) {
     OvBaseListnode* b = node;
     OvBaseListnode* at = before;
+    b->owner = this;
     b->next = at;
     b->prev = at->prev;
     if (at->prev != nullptr) {
@@ -382,6 +387,7 @@ void TOvBaseListHeader<T>::LinkBefore(T* before, T* node) {
         head = node;
     }
     at->prev = b;
+    ++count;
 }
 
 template <class T>
@@ -431,6 +437,8 @@ T* TOvBaseListHeader<T>::Subtract(T* node) {
     } else {
         tail = AsRecord(b->prev);
     }
+    --count;
+    b->owner = nullptr;
     b->Init();
     NotifySubtract(node);
     return node;
@@ -515,6 +523,7 @@ void TOvBaseListHeader<T>::Sort() {
 
     head = nullptr;
     tail = nullptr;
+    count = 0;
     for (T* node : nodes)
         LinkAtTail(node);
     NotifySort();

@@ -74,6 +74,8 @@ public:
     }
     OvBaseListnode* GetPrev() const { return prev; }
     OvBaseListnode* GetNext() const { return next; }
+    /// Whether some list holds this node.
+    bool IsListed() const { return owner != nullptr; }
 
 private:
     template <class T>
@@ -81,6 +83,10 @@ private:
 
     OvBaseListnode* prev = nullptr;
     OvBaseListnode* next = nullptr;
+    // The list that holds this node, or null. The links alone cannot tell an unlinked node from
+    // the only node of some other list, and a list that took such a node would share it (and
+    // delete it twice); nor can they tell this list's inner nodes from another list's.
+    const void* owner = nullptr;
 };
 
 /// A record that can be held in a `TOvListHeader`: list links plus id and name.
