@@ -128,6 +128,27 @@ TEST(OrthoProjectFile, DamagedOrthoBlocksAreReportedAndTheRestIsKept) {
     EXPECT_EQ(compare(errors[0].GetText(), String("unknown keyword \"ORTHOPHOTO\"")), 0);
 }
 
+// The README shows an ortho photo record as the library writes it; reading that text and
+// writing it again must give it back byte for byte.
+TEST(OrthoProjectFile, TheReadmeExampleIsWhatTheLibraryWrites) {
+    const std::string readme = test::ReadWholeFile(std::string(ORVO_SOURCE_DIR) + "/README.md");
+    const std::size_t start = readme.find("```\nORTHOPHOTO\n{\n");
+    ASSERT_NE(start, std::string::npos);
+    const std::size_t end = readme.find("```", start + 3);
+    ASSERT_NE(end, std::string::npos);
+    const std::string block = readme.substr(start + 4, end - start - 4);
+
+    OvPhotoList photos;
+    OvOrthoPhotoList orthos;
+    OvProjectFileErrors errors;
+    std::istringstream in(block);
+    EXPECT_EQ(OvReadProject(in, "README", photos, orthos, &errors), 1);
+    EXPECT_TRUE(errors.empty());
+    const std::string written = WriteProject(photos, orthos);
+    ASSERT_GE(written.size(), block.size());
+    EXPECT_EQ(written.substr(written.size() - block.size()), block);
+}
+
 TEST(OrthoProjectFile, FilesOnDisk) {
     test::TempDir dir;
     OvPhotoList photos;
