@@ -9,26 +9,6 @@ namespace orvo {
 
 namespace {
 
-// A text must stay on one line between double quotes for the tokenizer to read it back (a line
-// holds at most 8511 characters; the keyword and the quotes take a few dozen of them).
-constexpr int kMaxTextWritten = 8000;
-
-// The text as it can stand between double quotes: the syntax has no escapes, so a double quote
-// becomes an apostrophe, and line ends and NULs (which would end the line) blanks.
-String QuotedText(const String& text) {
-    const int length = text.length() < kMaxTextWritten ? text.length() : kMaxTextWritten;
-    String result(text.chars(), length);
-    for (int i = 0; i < length; ++i) {
-        const char c = result.chars()[i];
-        if (c == '"') {
-            result[i] = '\'';
-        } else if (c == '\n' || c == '\r' || c == '\0') {
-            result[i] = ' ';
-        }
-    }
-    return result;
-}
-
 // Restores the stream's number format and field settings when the record is written.
 class FormatGuard {
 public:
@@ -54,7 +34,7 @@ std::ostream& Keyword(std::ostream& out, const char* keyword) {
 }
 
 std::ostream& QuotedLine(std::ostream& out, const char* keyword, const String& text) {
-    return Keyword(out, keyword) << w4 << '"' << QuotedText(text) << '"' << Ovendl;
+    return Keyword(out, keyword) << w4 << '"' << OvQuotableText(text) << '"' << Ovendl;
 }
 
 template <class Number>
@@ -86,8 +66,8 @@ std::ostream& OvPhoto::Write(std::ostream& out) const {
     out.fill(' ');
 
     // The object record (id, then the name in quotes), with the name made readable.
-    Keyword(out, "PHOTOID") << w4 << "{" << w4 << GetId() << " \"" << QuotedText(GetName()) << "\"}"
-                            << Ovendl;
+    Keyword(out, "PHOTOID") << w4 << "{" << w4 << GetId() << " \"" << OvQuotableText(GetName())
+                            << "\"}" << Ovendl;
     QuotedLine(out, "COMMENT", comment_);
     NumberLine(out, "DIGITALPAGE", digitalPage_);
     NumberLine(out, "DIGITALROT", digitalRot_);

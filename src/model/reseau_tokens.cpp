@@ -156,19 +156,6 @@ std::int32_t ToSigned32(double value) {
     return static_cast<std::int32_t>(value);
 }
 
-String QuotableText(const String& text, int maxLength) {
-    const int length = text.length() < maxLength ? text.length() : maxLength;
-    String result(text.chars(), length);
-    for (int i = 0; i < length; ++i) {
-        const char c = result.chars()[i];
-        if (c == '"') {
-            result[i] = '\'';
-        } else if (c == '\n' || c == '\r' || c == '\0') {
-            result[i] = ' ';
-        }
-    }
-    return result;
-}
 
 void TrailingErrorKeeper::Remember(const OvReader& reader) {
     const OvReaderError* last = reader.GetReaderErrorList().Last();

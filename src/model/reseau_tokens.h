@@ -69,11 +69,6 @@ std::uint32_t ToUnsigned32(double value);
 /// A whole number clamped to the signed 32-bit range.
 std::int32_t ToSigned32(double value);
 
-/// The text as it can stand between double quotes on one line of a block file: the syntax has
-/// no escapes, so a double quote becomes an apostrophe, and line ends and NULs (which would end
-/// the line) blanks; cut after `maxLength` characters.
-String QuotableText(const String& text, int maxLength);
-
 /// Lets a handler's last recorded problem survive the reader's end-of-run rule, which takes
 /// back a trailing "ParserErrorNotSpecifiedToken": call `Remember` after each handler run and
 /// from the parser-error handler, `Restore` after DoProcess.

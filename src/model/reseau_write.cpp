@@ -47,7 +47,7 @@ std::ostream& OvReseauFile::WriteHeaderComment(std::ostream& out) const {
 
 std::ostream& OvReseauFile::Write(std::ostream& out) const {
     out.imbue(std::locale::classic());
-    out << '"' << detail::QuotableText(infoText_, kMaxInfoWritten) << '"' << Ovendl;
+    out << '"' << OvQuotableText(infoText_, kMaxInfoWritten) << '"' << Ovendl;
     out << '{';
     photoRegion_.Write(out);
     out << '}' << Ovendl;
@@ -76,9 +76,9 @@ std::ostream& OvReseauFile::WriteDigitalCameraFormat(std::ostream& out) const {
     out.imbue(std::locale::classic());
     out.precision(6);
     out << "{ ";
-    out << w14 << '"' << detail::QuotableText(GetName(), kMaxDigitalTextWritten) << '"' << ' ';
+    out << w14 << '"' << OvQuotableText(GetName(), kMaxDigitalTextWritten) << '"' << ' ';
     out << w4 << subId_ << ' ';
-    out << w14 << '"' << detail::QuotableText(infoText_, kMaxDigitalTextWritten) << '"' << ' ';
+    out << w14 << '"' << OvQuotableText(infoText_, kMaxDigitalTextWritten) << '"' << ' ';
     out << w6 << exifPixelWidth_ << ' ';
     out << w6 << exifPixelHeight_ << ' ';
     out << w6 << photoRegion_.Width() << ' ';

@@ -10,11 +10,6 @@
 
 namespace orvo::detail {
 
-/// The text as it can stand between double quotes on one line: the syntax has no escapes, so
-/// a double quote becomes an apostrophe, line ends and NULs become blanks, and the text is cut
-/// at 8000 characters (a line holds at most 8511).
-String QuotableText(const String& text);
-
 /// `s12` keyword, `w4`, "{", the id (`w4`), a blank and the quoted name, "}", `Ovendl`.
 std::ostream& InlineObject(std::ostream& out, const char* keyword, const OvObject& object);
 

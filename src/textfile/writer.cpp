@@ -106,4 +106,18 @@ std::ostream& s12(std::ostream& out) {
     return out;
 }
 
+String OvQuotableText(const String& text, int maxLength) {
+    const int length = text.length() < maxLength ? text.length() : (maxLength > 0 ? maxLength : 0);
+    String result(text.chars(), length);
+    for (int i = 0; i < length; ++i) {
+        const char c = result.chars()[i];
+        if (c == '"') {
+            result[i] = '\'';
+        } else if (c == '\n' || c == '\r' || c == '\0') {
+            result[i] = ' ';
+        }
+    }
+    return result;
+}
+
 }  // namespace orvo

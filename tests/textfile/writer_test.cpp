@@ -6,6 +6,7 @@
 #include <string>
 
 #include "orvo/foundation/string.h"
+#include "orvo/textfile/tokenizer.h"
 #include "orvo/textfile/writer.h"
 
 namespace orvo {
@@ -126,6 +127,38 @@ TEST_F(WriterTest, EndlFlushesBeforeIndenting) {
     stream << "a" << Ovendl << "b" << Ovendl;
     EXPECT_EQ(buffer.syncs, 2);
     EXPECT_EQ(buffer.str(), "a\nb\n");
+}
+
+// A text put between double quotes must come back from the tokenizer as one string on one line:
+// quotes, line ends and NULs cannot stand in it.
+TEST(QuotableText, ComesBackAsOneStringToken) {
+    const char text[] = "say \"hi\"\nline\r2\0end";
+    const std::string raw(text, sizeof text - 1);
+    const String quotable = OvQuotableText(String(raw.data(), static_cast<int>(raw.size())));
+    EXPECT_EQ(std::string(quotable.chars(), static_cast<std::size_t>(quotable.length())),
+              "say 'hi' line 2 end");
+
+    std::istringstream in("\"" + std::string(quotable.chars()) + "\" 7\n");
+    OvParser parser;
+    parser.ParseForToken(in);
+    EXPECT_STREQ(parser.GetTokenString(), "say 'hi' line 2 end");
+    parser.ParseForToken(in);
+    EXPECT_EQ(parser.GetTokenInt(), 7);
+}
+
+TEST(QuotableText, LongTextsAreCutToFitALine) {
+    const String longText(std::string(9000, 'x').c_str());
+    EXPECT_EQ(OvQuotableText(longText).length(), kOvMaxQuotedText);
+    EXPECT_EQ(OvQuotableText(longText, 80).length(), 80);
+    EXPECT_EQ(OvQuotableText(longText, -5).length(), 0);
+    EXPECT_EQ(OvQuotableText(String("short"), 80).length(), 5);
+    // The longest quotable text, with a keyword before it, still fits the tokenizer's line.
+    std::istringstream in("COMMENT  \"" + std::string(OvQuotableText(longText).chars()) + "\"\n");
+    OvParser parser;
+    parser.ParseForToken(in);
+    parser.ParseForToken(in);
+    EXPECT_EQ(std::string(parser.GetTokenString()).size(),
+              static_cast<std::size_t>(kOvMaxQuotedText));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "orvo/foundation/string.h"
 #include "orvo/textfile/c_locale.h"
 
 namespace orvo {
@@ -54,5 +55,14 @@ std::ostream& w14(std::ostream& out);  ///< blank + right-aligned 18
 std::ostream& w16(std::ostream& out);  ///< blank + right-aligned 21
 std::ostream& w19(std::ostream& out);  ///< blank + right-aligned 24
 std::ostream& s12(std::ostream& out);  ///< left-aligned 12 (keywords)
+
+/// How much of a text the records put between double quotes: a line holds at most 8511
+/// characters, and the keyword, an id and the quotes take a few dozen of them.
+inline constexpr int kOvMaxQuotedText = 8000;
+
+/// The text as it can stand between double quotes on one line of a block file: the syntax has
+/// no escapes, so a double quote becomes an apostrophe, and line ends and NULs (which would end
+/// the line) become blanks; cut after `maxLength` characters.
+String OvQuotableText(const String& text, int maxLength = kOvMaxQuotedText);
 
 }  // namespace orvo
