@@ -11,6 +11,7 @@
 #include <time.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -24,10 +25,23 @@ namespace orvo::bench {
 
 using Clock = std::chrono::steady_clock;
 
+// The thread's CPU time where the system offers it, elapsed time elsewhere.
 inline double ThreadCpuSeconds() {
+#if defined(CLOCK_THREAD_CPUTIME_ID)
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+#else
+    return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
+#endif
+}
+
+// The CPU seconds `work` takes.
+template <typename Work>
+double CpuSecondsOf(Work&& work) {
+    const double start = ThreadCpuSeconds();
+    work();
+    return ThreadCpuSeconds() - start;
 }
 
 // Accumulated CPU and elapsed seconds of one kind of work.
@@ -108,6 +122,37 @@ inline void ReportAgainstRaw(benchmark::State& state, double bytesPerIteration, 
     state.counters["vs_raw"] = raw.cpu / own.cpu;
     state.counters["wall_MB/s"] = megabytes / own.wall;
     state.counters["wall_vs_raw"] = raw.wall / own.wall;
+}
+
+// The textbook baseline of the solver benchmarks: Cholesky factorisation N = L L^T of the
+// u x u row-major matrix `n` (overwritten by L), then the two triangular solves for N x = r
+// (`r` becomes x).
+inline void PlainCholeskySolve(double* n, double* r, int u) {
+    for (int j = 0; j < u; ++j) {
+        double diagonal = n[j * u + j];
+        for (int k = 0; k < j; ++k)
+            diagonal -= n[j * u + k] * n[j * u + k];
+        diagonal = std::sqrt(diagonal);
+        n[j * u + j] = diagonal;
+        for (int i = j + 1; i < u; ++i) {
+            double sum = n[i * u + j];
+            for (int k = 0; k < j; ++k)
+                sum -= n[i * u + k] * n[j * u + k];
+            n[i * u + j] = sum / diagonal;
+        }
+    }
+    for (int i = 0; i < u; ++i) {
+        double sum = r[i];
+        for (int k = 0; k < i; ++k)
+            sum -= n[i * u + k] * r[k];
+        r[i] = sum / n[i * u + i];
+    }
+    for (int i = u - 1; i >= 0; --i) {
+        double sum = r[i];
+        for (int k = i + 1; k < u; ++k)
+            sum -= n[k * u + i] * r[k];
+        r[i] = sum / n[i * u + i];
+    }
 }
 
 }  // namespace orvo::bench

@@ -19,6 +19,8 @@
 #include "orvo/model/photo.h"
 #include "orvo/model/point_list.h"
 
+#include "bench_support.h"
+
 namespace {
 
 using orvo::OvPhoto;
@@ -26,19 +28,6 @@ using orvo::OvPoint;
 using orvo::OvPointList;
 
 constexpr int kPoints = 1000000;
-
-// Time spent by this thread on the CPU where the system offers it, so that other processes on a
-// busy machine do not inflate the figures; wall-clock time elsewhere.
-double NowSeconds() {
-#if defined(CLOCK_THREAD_CPUTIME_ID)
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-#else
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-#endif
-}
 
 orvo::OvTrafo2d Helmert(double p0, double p1, double p2, double p3) {
     orvo::OvTrafo2d t;
@@ -153,17 +142,17 @@ void BM_ConvertList(benchmark::State& state) {
     double directSeconds = 0.0;
     for (auto _ : state) {
         Restore(list, xy);
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         photo.ConvertList(&list, mode);
-        const double elapsed = NowSeconds() - start;
+        const double elapsed = orvo::bench::ThreadCpuSeconds() - start;
         benchmark::DoNotOptimize(list.Last()->GetX());
         librarySeconds += elapsed;
         state.SetIterationTime(elapsed);
 
         Restore(list, xy);
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         ConvertDirectly(photo, mode, list);
-        directSeconds += NowSeconds() - start;
+        directSeconds += orvo::bench::ThreadCpuSeconds() - start;
         benchmark::DoNotOptimize(list.Last()->GetX());
     }
     const double points = static_cast<double>(kPoints) * static_cast<double>(state.iterations());

@@ -17,24 +17,13 @@
 #include "orvo/model/point.h"
 #include "orvo/model/point_list.h"
 
+#include "bench_support.h"
+
 namespace {
 
 using orvo::OvCamera;
 
 constexpr std::size_t kPoints = 1000000;
-
-double ThreadCpuSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-template <typename Work>
-double Measure(Work work) {
-    const double start = ThreadCpuSeconds();
-    work();
-    return ThreadCpuSeconds() - start;
-}
 
 // The realistic wide-angle camera: 24 mm, A1 = 1e-5 per mm², no r⁴ term and radius of zero
 // distortion 0 (the usual choice for a digital body); principal point at the origin, so that
@@ -123,7 +112,7 @@ void BM_CameraAdjust(benchmark::State& state) {
     Points out = in, baseline = in;
     double own = 0.0, inlined = 0.0;
     for (auto _ : state) {
-        const double t = Measure([&] {
+        const double t = orvo::bench::CpuSecondsOf([&] {
             for (std::size_t i = 0; i < kPoints; ++i) {
                 double x = in.x[i], y = in.y[i];
                 camera.Adjust(&x, &y);
@@ -133,7 +122,7 @@ void BM_CameraAdjust(benchmark::State& state) {
         });
         state.SetIterationTime(t);
         own += t;
-        inlined += Measure([&] { InlineAdjust(camera, in, baseline); });
+        inlined += orvo::bench::CpuSecondsOf([&] { InlineAdjust(camera, in, baseline); });
         benchmark::DoNotOptimize(out.x.data());
         benchmark::DoNotOptimize(baseline.x.data());
     }
@@ -149,7 +138,7 @@ void BM_CameraInvAdjust(benchmark::State& state) {
     double own = 0.0, inlined = 0.0;
     std::int64_t passes = 0;
     for (auto _ : state) {
-        const double t = Measure([&] {
+        const double t = orvo::bench::CpuSecondsOf([&] {
             for (std::size_t i = 0; i < kPoints; ++i) {
                 double x = corrected.x[i], y = corrected.y[i];
                 camera.InvAdjust(&x, &y);
@@ -159,7 +148,8 @@ void BM_CameraInvAdjust(benchmark::State& state) {
         });
         state.SetIterationTime(t);
         own += t;
-        inlined += Measure([&] { passes = InlineInvAdjust(camera, corrected, baseline); });
+        inlined += orvo::bench::CpuSecondsOf(
+            [&] { passes = InlineInvAdjust(camera, corrected, baseline); });
         benchmark::DoNotOptimize(out.x.data());
     }
     if (out.x != baseline.x || out.y != baseline.y)
@@ -184,13 +174,13 @@ void BM_CameraListAdjustAndInverse(benchmark::State& state) {
     double own = 0.0, inlined = 0.0;
     for (auto _ : state) {
         // Adjust then InvAdjust: the list comes back to its start, so nothing needs refilling.
-        const double t = Measure([&] {
+        const double t = orvo::bench::CpuSecondsOf([&] {
             camera.Adjust(&list);
             camera.InvAdjust(&list);
         });
         state.SetIterationTime(t);
         own += t;
-        inlined += Measure([&] {
+        inlined += orvo::bench::CpuSecondsOf([&] {
             InlineAdjust(camera, in, baseline);
             InlineInvAdjust(camera, baseline, back);
         });

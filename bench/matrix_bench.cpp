@@ -15,25 +15,14 @@
 
 #include "orvo/numerics/matrix.h"
 
+#include "bench_support.h"
+
 namespace {
 
 using Plain = std::vector<double>;  // n x m, row-major
 
-// Time spent by this thread on the CPU where the system offers it, so that other processes on a
-// busy machine do not inflate the figures; wall-clock time elsewhere.
-double NowSeconds() {
-#if defined(CLOCK_THREAD_CPUTIME_ID)
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-#else
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-#endif
-}
-
 double SecondsSince(double start) {
-    return NowSeconds() - start;
+    return orvo::bench::ThreadCpuSeconds() - start;
 }
 
 orvo::OvMatrix RandomMatrix(int lines, int columns, unsigned streamSeed, double diagonal) {
@@ -77,35 +66,6 @@ void PlainGaussSolve(Plain& a, Plain& b, int n) {
     }
 }
 
-// Cholesky factorisation N = L L^T followed by the two triangular solves for N x = r.
-void PlainCholeskySolve(Plain& nMatrix, Plain& r, int u) {
-    for (int j = 0; j < u; ++j) {
-        double diagonal = nMatrix[j * u + j];
-        for (int k = 0; k < j; ++k)
-            diagonal -= nMatrix[j * u + k] * nMatrix[j * u + k];
-        diagonal = std::sqrt(diagonal);
-        nMatrix[j * u + j] = diagonal;
-        for (int i = j + 1; i < u; ++i) {
-            double sum = nMatrix[i * u + j];
-            for (int k = 0; k < j; ++k)
-                sum -= nMatrix[i * u + k] * nMatrix[j * u + k];
-            nMatrix[i * u + j] = sum / diagonal;
-        }
-    }
-    for (int i = 0; i < u; ++i) {
-        double sum = r[i];
-        for (int k = 0; k < i; ++k)
-            sum -= nMatrix[i * u + k] * r[k];
-        r[i] = sum / nMatrix[i * u + i];
-    }
-    for (int i = u - 1; i >= 0; --i) {
-        double sum = r[i];
-        for (int k = i + 1; k < u; ++k)
-            sum -= nMatrix[k * u + i] * r[k];
-        r[i] = sum / nMatrix[i * u + i];
-    }
-}
-
 void PlainProduct(const Plain& a, const Plain& b, Plain& c, int n) {
     std::fill(c.begin(), c.end(), 0.0);
     for (int i = 0; i < n; ++i)
@@ -133,7 +93,7 @@ void BM_GaussLoeserRelMax(benchmark::State& state) {
     for (auto _ : state) {
         orvo::OvMatrix work = a;
         orvo::OvMatrix x = b;
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         benchmark::DoNotOptimize(orvo::GaussLoeserRelMax(work, x));
         const double elapsed = SecondsSince(start);
         librarySeconds += elapsed;
@@ -141,7 +101,7 @@ void BM_GaussLoeserRelMax(benchmark::State& state) {
 
         Plain plainA = ToPlain(a);
         Plain plainB = ToPlain(b);
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         PlainGaussSolve(plainA, plainB, n);
         benchmark::DoNotOptimize(plainB.data());
         plainSeconds += SecondsSince(start);
@@ -156,7 +116,7 @@ void BM_Invert(benchmark::State& state) {
     for (auto _ : state) {
         orvo::OvMatrix inverse = a;
         int result = 0;
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         inverse.Invert(&result);
         benchmark::DoNotOptimize(result);
         const double elapsed = SecondsSince(start);
@@ -169,7 +129,7 @@ void BM_Invert(benchmark::State& state) {
         Plain identity(static_cast<std::size_t>(n) * n, 0.0);
         for (int i = 0; i < n; ++i)
             identity[i * n + i] = 1.0;
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         for (int k = 0; k < n; ++k) {
             int pivot = k;
             for (int i = k + 1; i < n; ++i)
@@ -237,7 +197,7 @@ void BM_Cholesky(benchmark::State& state) {
     for (auto _ : state) {
         orvo::OvMatrix work = system;
         orvo::OvVector x(u);
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         benchmark::DoNotOptimize(work.Cholesky(x));
         const double elapsed = SecondsSince(start);
         librarySeconds += elapsed;
@@ -247,8 +207,8 @@ void BM_Cholesky(benchmark::State& state) {
         // only factorises and solves, so this ratio shows the price of that extra output too.
         Plain plainN = normal;
         Plain plainR = rhs;
-        start = NowSeconds();
-        PlainCholeskySolve(plainN, plainR, u);
+        start = orvo::bench::ThreadCpuSeconds();
+        orvo::bench::PlainCholeskySolve(plainN.data(), plainR.data(), u);
         benchmark::DoNotOptimize(plainR.data());
         plainSeconds += SecondsSince(start);
     }
@@ -264,14 +224,14 @@ void BM_MatrixProduct(benchmark::State& state) {
     Plain plainC(static_cast<std::size_t>(n) * n);
     double librarySeconds = 0, plainSeconds = 0;
     for (auto _ : state) {
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         orvo::OvMatrix c = a * b;
         benchmark::DoNotOptimize(c.Data());
         const double elapsed = SecondsSince(start);
         librarySeconds += elapsed;
         state.SetIterationTime(elapsed);
 
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         PlainProduct(plainA, plainB, plainC, n);
         benchmark::DoNotOptimize(plainC.data());
         plainSeconds += SecondsSince(start);

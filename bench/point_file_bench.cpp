@@ -30,41 +30,18 @@
 
 #include "orvo/model/point_list.h"
 
+#include "bench_support.h"
+
 namespace {
+
+using orvo::bench::Measure;
+using orvo::bench::Timing;
 
 using orvo::eOvPointRWMask;
 using orvo::OvPoint;
 using orvo::OvPointList;
 using orvo::String;
 using Clock = std::chrono::steady_clock;
-
-double SecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double ThreadCpuSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-// Elapsed and CPU seconds of one measured piece of work; Measure returns the CPU seconds, the
-// time a benchmark reports.
-struct Timing {
-    double wall = 0.0;
-    double cpu = 0.0;
-};
-
-template <typename Work>
-double Measure(Timing& total, Work work) {
-    const double cpuStart = ThreadCpuSeconds();
-    const Clock::time_point start = Clock::now();
-    work();
-    total.wall += SecondsSince(start);
-    const double cpu = ThreadCpuSeconds() - cpuStart;
-    total.cpu += cpu;
-    return cpu;
-}
 
 // One measured point as plain numbers, for the baseline.
 struct Row {

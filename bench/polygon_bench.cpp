@@ -22,7 +22,11 @@
 #include "orvo/geom2d/polygon.h"
 #include "orvo/geom2d/prepared_polygon.h"
 
+#include "bench_support.h"
+
 namespace {
+
+using orvo::bench::CpuSecondsOf;
 
 using orvo::OvLine;
 using orvo::OvPoint;
@@ -32,19 +36,6 @@ using orvo::OvPreparedPolygon;
 
 constexpr int kVertices = 1000;
 constexpr int kQueries = 4096;
-
-double ThreadCpuSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-template <typename Work>
-double CpuSecondsOf(Work&& work) {
-    const double start = ThreadCpuSeconds();
-    work();
-    return ThreadCpuSeconds() - start;
-}
 
 struct XY {
     double x;

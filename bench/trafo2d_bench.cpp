@@ -19,6 +19,8 @@
 
 #include "orvo/numerics/calc_trafo2d.h"
 
+#include "bench_support.h"
+
 namespace {
 
 using orvo::eOvTrafo2DType;
@@ -26,19 +28,6 @@ using orvo::OvCalcTrafo2D;
 using orvo::OvPoint;
 using orvo::OvPointList;
 using orvo::OvTrafo2d;
-
-// CPU time of this thread where the system offers it, so that other processes on a busy machine
-// do not inflate the figures; wall-clock time elsewhere.
-double NowSeconds() {
-#if defined(CLOCK_THREAD_CPUTIME_ID)
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-#else
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-#endif
-}
 
 OvTrafo2d Truth(eOvTrafo2DType type) {
     OvTrafo2d t;
@@ -138,31 +127,7 @@ std::vector<double> PlainFit(eOvTrafo2DType type, const Data& data, FindPartner&
             }
         }
     }
-    for (int j = 0; j < u; ++j) {
-        double d = n[j * u + j];
-        for (int k = 0; k < j; ++k)
-            d -= n[j * u + k] * n[j * u + k];
-        d = std::sqrt(d);
-        n[j * u + j] = d;
-        for (int i = j + 1; i < u; ++i) {
-            double s = n[i * u + j];
-            for (int k = 0; k < j; ++k)
-                s -= n[i * u + k] * n[j * u + k];
-            n[i * u + j] = s / d;
-        }
-    }
-    for (int i = 0; i < u; ++i) {
-        double s = r[i];
-        for (int k = 0; k < i; ++k)
-            s -= n[i * u + k] * r[k];
-        r[i] = s / n[i * u + i];
-    }
-    for (int i = u - 1; i >= 0; --i) {
-        double s = r[i];
-        for (int k = i + 1; k < u; ++k)
-            s -= n[k * u + i] * r[k];
-        r[i] = s / n[i * u + i];
-    }
+    orvo::bench::PlainCholeskySolve(n.data(), r.data(), u);
     return r;
 }
 
@@ -206,16 +171,16 @@ void BM_Fit(benchmark::State& state) {
     double librarySeconds = 0, plainSeconds = 0;
     for (auto _ : state) {
         OvCalcTrafo2D calc(&data.reference);
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         benchmark::DoNotOptimize(LibraryFit(calc, kType, &data.measured));
-        const double elapsed = NowSeconds() - start;
+        const double elapsed = orvo::bench::ThreadCpuSeconds() - start;
         librarySeconds += elapsed;
         state.SetIterationTime(elapsed);
 
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         std::vector<double> plain = PlainFitHashed(kType, data);
         benchmark::DoNotOptimize(plain.data());
-        plainSeconds += NowSeconds() - start;
+        plainSeconds += orvo::bench::ThreadCpuSeconds() - start;
     }
     Report(state, n, librarySeconds, plainSeconds);
 }
@@ -230,16 +195,16 @@ void BM_FitReduced(benchmark::State& state) {
     orvo::OvTrafo2DFitReport report;
     for (auto _ : state) {
         OvCalcTrafo2D calc(&data.reference);
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         benchmark::DoNotOptimize(calc.CalcTrafo(kType, &data.measured, {}, &report));
-        const double elapsed = NowSeconds() - start;
+        const double elapsed = orvo::bench::ThreadCpuSeconds() - start;
         librarySeconds += elapsed;
         state.SetIterationTime(elapsed);
 
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         std::vector<double> plain = PlainFitHashed(kType, data);
         benchmark::DoNotOptimize(plain.data());
-        plainSeconds += NowSeconds() - start;
+        plainSeconds += orvo::bench::ThreadCpuSeconds() - start;
     }
     Report(state, n, librarySeconds, plainSeconds);
 }
@@ -251,18 +216,18 @@ void BM_FitHelmertWalkFromHead(benchmark::State& state) {
     double librarySeconds = 0, plainSeconds = 0;
     for (auto _ : state) {
         OvCalcTrafo2D calc(&data.reference);
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         benchmark::DoNotOptimize(calc.CalcTrafoHelmert(&data.measured));
-        const double elapsed = NowSeconds() - start;
+        const double elapsed = orvo::bench::ThreadCpuSeconds() - start;
         librarySeconds += elapsed;
         state.SetIterationTime(elapsed);
 
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         std::vector<double> plain = PlainFit(
             orvo::eOvTrafo2DHelmert, data,
             [&data](std::uint32_t id) -> const OvPoint* { return data.reference.Find(id); });
         benchmark::DoNotOptimize(plain.data());
-        plainSeconds += NowSeconds() - start;
+        plainSeconds += orvo::bench::ThreadCpuSeconds() - start;
     }
     Report(state, n, librarySeconds, plainSeconds);
 }
@@ -282,16 +247,16 @@ void BM_Transform(benchmark::State& state) {
     double librarySeconds = 0, plainSeconds = 0;
     for (auto _ : state) {
         lx = xs, ly = ys, px = xs, py = ys;
-        double start = NowSeconds();
+        double start = orvo::bench::ThreadCpuSeconds();
         for (int k = 0; k < kPoints; ++k)
             t.Transform(&lx[k], &ly[k]);
         benchmark::DoNotOptimize(lx.data());
         benchmark::DoNotOptimize(ly.data());
-        const double elapsed = NowSeconds() - start;
+        const double elapsed = orvo::bench::ThreadCpuSeconds() - start;
         librarySeconds += elapsed;
         state.SetIterationTime(elapsed);
 
-        start = NowSeconds();
+        start = orvo::bench::ThreadCpuSeconds();
         for (int k = 0; k < kPoints; ++k) {
             const double x = px[k], y = py[k];
             switch (kType) {
@@ -321,7 +286,7 @@ void BM_Transform(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(px.data());
         benchmark::DoNotOptimize(py.data());
-        plainSeconds += NowSeconds() - start;
+        plainSeconds += orvo::bench::ThreadCpuSeconds() - start;
     }
     const double iterations = static_cast<double>(state.iterations());
     state.SetItemsProcessed(static_cast<std::int64_t>(kPoints * iterations));
