@@ -22,9 +22,13 @@
 #include "orvo/geom2d/polygon.h"
 #include "orvo/geom2d/prepared_polygon.h"
 
+#include "literal_overlap.h"
+
 #include "bench_support.h"
 
 namespace {
+
+using orvo::test::LiteralOverlap;
 
 using orvo::bench::CpuSecondsOf;
 
@@ -92,27 +96,6 @@ bool PlainCrossing(const std::vector<XY>& ring, double px, double py) {
 
 // The rule word for word: copy, rotate to the lowest vertex, put a copy of the last vertex in
 // front, count the edges that Intersect the test segment.
-bool LiteralOverlap(const OvPolygon& polygon, const OvPoint& p) {
-    if (!polygon.IsInBox(p)) return false;
-    const double minX = polygon.GetMin().GetX();
-    const double maxX = polygon.GetMax().GetX();
-    const OvLine ray(
-        p, OvPoint(0, std::fabs(2.0 * (maxX - minX)) + std::fabs(maxX), p.GetY(), 0.0, 0));
-    OvPointList ring(polygon.GetPointList());
-    OvPoint* lowest = ring.First();
-    for (OvPoint* q = ring.First(); q != nullptr; q = q->Next()) {
-        if (q->GetY() <= lowest->GetY()) lowest = q;
-    }
-    while (ring.First() != lowest)
-        ring.Add(ring.SubtractFirst());
-    ring.Insert(ring.First(), new OvPoint(*ring.Last()));
-    int crossings = 0;
-    for (const OvPoint* q = ring.First()->Next(); q != nullptr; q = q->Next()) {
-        if (orvo::Intersect(ray, OvLine(*q->Previous(), *q))) ++crossings;
-    }
-    return crossings % 2 == 1;
-}
-
 void Report(benchmark::State& state, double ownSeconds, double plainSeconds, int insideCount) {
     const double tests = static_cast<double>(state.iterations()) * kQueries;
     state.SetItemsProcessed(static_cast<std::int64_t>(tests));

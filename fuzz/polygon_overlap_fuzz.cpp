@@ -23,7 +23,11 @@
 #include "orvo/geom2d/polygon.h"
 #include "orvo/geom2d/prepared_polygon.h"
 
+#include "literal_overlap.h"
+
 namespace {
+
+using orvo::test::LiteralOverlap;
 
 using orvo::OvLine;
 using orvo::OvPoint;
@@ -61,30 +65,6 @@ private:
     std::size_t size_;
     std::size_t at_ = 0;
 };
-
-bool LiteralOverlap(const OvPolygon& polygon, const OvPoint& p) {
-    if (!polygon.IsInBox(p)) return false;
-    if (polygon.GetMode() != orvo::OvPolygonMode2D && polygon.GetMode() != orvo::OvPolygonMode2DId)
-        return true;
-    if (polygon.Count() == 0) return true;
-    const double minX = polygon.GetMin().GetX();
-    const double maxX = polygon.GetMax().GetX();
-    const OvLine ray(
-        p, OvPoint(0, std::fabs(2.0 * (maxX - minX)) + std::fabs(maxX), p.GetY(), 0.0, 0));
-    OvPointList ring(polygon.GetPointList());
-    OvPoint* lowest = ring.First();
-    for (OvPoint* q = ring.First(); q != nullptr; q = q->Next()) {
-        if (q->GetY() <= lowest->GetY()) lowest = q;
-    }
-    while (ring.First() != lowest)
-        ring.Add(ring.SubtractFirst());
-    ring.Insert(ring.First(), new OvPoint(*ring.Last()));
-    int crossings = 0;
-    for (const OvPoint* q = ring.First()->Next(); q != nullptr; q = q->Next()) {
-        if (orvo::Intersect(ray, OvLine(*q->Previous(), *q))) ++crossings;
-    }
-    return crossings % 2 == 1;
-}
 
 }  // namespace
 

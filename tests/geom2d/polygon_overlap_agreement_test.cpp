@@ -16,37 +16,15 @@
 #include "orvo/geom2d/polygon.h"
 #include "orvo/geom2d/prepared_polygon.h"
 
+#include "literal_overlap.h"
+
 namespace orvo {
 namespace {
 
+using orvo::test::LiteralOverlap;
+
 OvPoint P(double x, double y) {
     return OvPoint(0, x, y, 0.0, 0);
-}
-
-// The rule word for word, copy and rotation included.
-bool LiteralOverlap(const OvPolygon& polygon, const OvPoint& p) {
-    if (!polygon.IsInBox(p)) return false;
-    if (polygon.GetMode() != OvPolygonMode2D && polygon.GetMode() != OvPolygonMode2DId) return true;
-    if (polygon.Count() == 0) return true;
-    const double minX = polygon.GetMin().GetX();
-    const double maxX = polygon.GetMax().GetX();
-    const OvLine ray(
-        p, OvPoint(0, std::fabs(2.0 * (maxX - minX)) + std::fabs(maxX), p.GetY(), 0.0, 0));
-
-    OvPointList ring(polygon.GetPointList());
-    OvPoint* lowest = ring.First();
-    for (OvPoint* q = ring.First(); q != nullptr; q = q->Next()) {
-        if (q->GetY() <= lowest->GetY()) lowest = q;
-    }
-    while (ring.First() != lowest)
-        ring.Add(ring.SubtractFirst());
-    ring.Insert(ring.First(), new OvPoint(*ring.Last()));
-
-    int crossings = 0;
-    for (const OvPoint* q = ring.First()->Next(); q != nullptr; q = q->Next()) {
-        if (Intersect(ray, OvLine(*q->Previous(), *q))) ++crossings;
-    }
-    return crossings % 2 == 1;
 }
 
 // Tallies what the queries hit, so that a test can show it exercised what it claims to.
