@@ -1,6 +1,6 @@
 # Everyday entry points; each wraps a CMake preset (see CMakePresets.json).
 #   make test   configure, build and run every test (sanitizers on), then fuzz each target briefly
-#               (FUZZ_SMOKE_RUNS executions from a fixed seed, so every machine sees the same inputs)
+#               (FUZZ_SMOKE_RUNS executions with a fixed random start: the same inputs on every machine)
 #   make demo   build the release tool and run the main job on the bundled example
 #   make bench  build and run the benchmarks
 #   make fuzz   run every fuzz target longer (FUZZ_SECONDS each)

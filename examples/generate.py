@@ -24,7 +24,7 @@ library only) is needed only to change the example. Run it from anywhere:
     python3 examples/generate.py            # rewrites the files next to this script
     python3 examples/generate.py --out DIR  # writes them into DIR instead
 
-The random noise of the measurements comes from a fixed seed, so the output is the same on
+The random noise of the measurements starts from a fixed state, so the output is the same on
 every run.
 """
 

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Runs every fuzz target for SECONDS seconds each, starting from its seed corpus.
+# Runs every fuzz target for SECONDS seconds each, starting from its corpus in the repository.
 # Usage: fuzz/run.sh BUILD_DIR SECONDS [RUNS]
-# With RUNS, each target stops after that many executions from a fixed random seed, so a short
+# With RUNS, each target stops after that many executions with a fixed random start, so a short
 # run (the one `make test` does) explores the same inputs on every machine and a result here is
-# the result anywhere; SECONDS is then only a safety cap. Without it, the seed is random and
+# the result anywhere; SECONDS is then only a safety cap. Without it, the start is random and
 # SECONDS is the budget.
 # New inputs go to a scratch corpus so the seeds in the repository stay as they are.
 set -euo pipefail
