@@ -156,7 +156,6 @@ std::int32_t ToSigned32(double value) {
     return static_cast<std::int32_t>(value);
 }
 
-
 void TrailingErrorKeeper::Remember(const OvReader& reader) {
     const OvReaderError* last = reader.GetReaderErrorList().Last();
     if (last == nullptr) return;

@@ -250,6 +250,9 @@ TEST(ListAccess, CountFollowsEveryOperationThatChangesTheList) {
             case 11:
                 if (some != nullptr) {
                     EXPECT_EQ(other.Add(some), nullptr);  // linked elsewhere: refused
+                    EXPECT_TRUE(list.Exist(some));
+                    EXPECT_FALSE(other.Exist(some));
+                    EXPECT_GE(list.Index(some), 0);
                 }
                 break;
             case 12:

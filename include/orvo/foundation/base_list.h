@@ -111,7 +111,7 @@ public:
     virtual int SubtractAll();
     /// The number of nodes; kept up to date by every link and unlink, so it costs nothing.
     virtual int Count() const;
-    /// Whether `node` is in this list (a walk from the head).
+    /// Whether `node` is in this list (the node knows its list: no walk).
     virtual bool Exist(const T* node) const;
     /// The position of `node` from the head, or -1.
     virtual int Index(const T* node) const;
@@ -309,7 +309,7 @@ int TOvBaseListHeader<T>::Count() const {
 
 template <class T>
 bool TOvBaseListHeader<T>::Exist(const T* node) const {
-    return node != nullptr && Index(node) >= 0;
+    return node != nullptr && static_cast<const OvBaseListnode*>(node)->owner == this;
 }
 
 template <class T>
