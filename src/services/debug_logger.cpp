@@ -20,7 +20,8 @@ int OvOrvoDebugLogger::Log(int messageLevel, const char* text) {
     // Opened and closed for every message, so that whatever was logged before a crash is on
     // disk. Failures are deliberately silent: logging must never disturb the caller.
     const String path = OvGetProtocolFilePath();
-    std::ofstream protocol(path.chars(), std::ios::out | std::ios::app);
+    // Binary, so that the file holds the same bytes (lines ended by '\n') on every system.
+    std::ofstream protocol(path.chars(), std::ios::out | std::ios::app | std::ios::binary);
     if (!protocol) return 0;
     protocol.imbue(std::locale::classic());
     protocol << messageLevel << " : " << (text != nullptr ? text : "") << '\n';

@@ -200,9 +200,12 @@ double ConvertFloat(const char* text) {
     }
     // errno is left as it was: a number out of range is not an error here.
     const int savedErrno = errno;
-    value = std::strtod(text, nullptr);
+    char* end = nullptr;
+    value = std::strtod(text, &end);
     errno = savedErrno;
-    return value;
+    // Where nothing converts ("-..3") the answer is the C standard's zero, +0.0; one C runtime
+    // gives -0.0 after a minus sign, and a file must read the same everywhere.
+    return end == text ? 0.0 : value;
 }
 
 }  // namespace

@@ -31,6 +31,11 @@ std::map<std::string, std::pair<std::uintmax_t, fs::file_time_type>> Snapshot() 
     return files;
 }
 
+// A path as the tool shows it: with "/" between its parts on every system.
+std::string Shown(const std::string& path) {
+    return fs::path(path).generic_string();
+}
+
 // A copy of the example's input files in a scratch directory.
 void CopyExample(const fs::path& to) {
     for (const char* name :
@@ -75,7 +80,7 @@ TEST(DemoCommand, RunsTheExampleAndWritesOnlyIntoTheOutputDirectory) {
     }
     for (const char* file : {"chapel.pro", "photo1_image.imo", "photo2_image.imo",
                              "photo3_image.imo", "photo3_object.coo"}) {
-        EXPECT_TRUE(Contains(run.out, "  " + out + "/" + file + "\n")) << file;
+        EXPECT_TRUE(Contains(run.out, "  " + Shown(out) + "/" + file + "\n")) << file;
         EXPECT_TRUE(fs::exists(fs::path(out) / file)) << file;
     }
 
@@ -140,8 +145,8 @@ TEST(DemoCommand, WritesIntoDirOutByDefaultAndLogsWhenAsked) {
     const orvo::test::CliResult run = RunOrvo({"demo", "-v", dir.path().string()});
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_TRUE(fs::exists(dir.path() / "out" / "chapel.pro"));
-    EXPECT_TRUE(
-        Contains(run.err, "orvo: reading the camera file " + dir.file("cameras.cam") + "\n"));
+    EXPECT_TRUE(Contains(run.err,
+                         "orvo: reading the camera file " + Shown(dir.file("cameras.cam")) + "\n"));
     EXPECT_TRUE(Contains(run.err, "orvo: working on photo 3\n"));
 }
 
@@ -161,7 +166,7 @@ TEST(DemoCommand, BrokenInputs) {
     orvo::test::TempDir dir;
     const orvo::test::CliResult missing = RunOrvo({"demo", dir.file("nothing")});
     EXPECT_EQ(missing.code, 1);
-    EXPECT_EQ(missing.err, "orvo demo: " + dir.file("nothing") + ": not a directory\n");
+    EXPECT_EQ(missing.err, "orvo demo: " + Shown(dir.file("nothing")) + ": not a directory\n");
 
     const orvo::test::CliResult empty = RunOrvo({"demo", dir.path().string()});
     EXPECT_EQ(empty.code, 1);
@@ -185,10 +190,10 @@ TEST(DemoCommand, BrokenInputs) {
     const orvo::test::CliResult damaged =
         RunOrvo({"demo", dir.path().string(), "--out", dir.file("out2")});
     EXPECT_EQ(damaged.code, 1);
-    EXPECT_TRUE(Contains(damaged.err, "orvo: warning: " + dir.file("photo1_reseau.imo") +
+    EXPECT_TRUE(Contains(damaged.err, "orvo: warning: " + Shown(dir.file("photo1_reseau.imo")) +
                                           ":2: ParserErrorNotSpecifiedToken"))
         << damaged.err;
-    EXPECT_TRUE(Contains(damaged.err, "Read Error(s) in " + dir.file("chapel.pro")));
+    EXPECT_TRUE(Contains(damaged.err, "Read Error(s) in " + Shown(dir.file("chapel.pro"))));
     EXPECT_TRUE(Contains(damaged.err, "Line 000014: unknown keyword \"FOO\"")) << damaged.err;
     EXPECT_TRUE(Contains(damaged.out, "problem(s) were reported on the error output"));
     EXPECT_TRUE(fs::exists(dir.path() / "out2" / "chapel.pro"));
