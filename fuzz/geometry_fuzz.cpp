@@ -52,7 +52,8 @@ void CheckBox(const OvPolygon& polygon) {
 
 bool AllFinite(const OvPolygon& polygon) {
     for (const OvPoint* p = polygon.First(); p != nullptr; p = p->Next()) {
-        if (!std::isfinite(p->GetX()) || !std::isfinite(p->GetY())) return false;
+        if (!std::isfinite(p->GetX()) || !std::isfinite(p->GetY()) || !std::isfinite(p->GetZ()))
+            return false;
     }
     return true;
 }
