@@ -11,10 +11,6 @@ namespace orvo {
 
 namespace {
 
-// The record's text must stay on one line the tokenizer can read back (at most 8511
-// characters); the numbers and braces take at most 130, so longer info texts are cut there.
-constexpr int kMaxInfoWritten = 8000;
-
 // A "{", a "}" or the end of the input where a field belongs ends the record early. The
 // block's own tokens are never taken as fields: they belong to the reader.
 void StopAtRecordEnd(OvParser& parser) {
@@ -50,22 +46,6 @@ double ReadNumber(OvReader& reader) {
     }
     reader.Advance();
     return value;
-}
-
-// The info text as it can stand between double quotes on one line: the syntax has no escapes,
-// so quotes become apostrophes, and line ends and NULs (which would end the line) blanks.
-String WritableInfo(const String& info) {
-    const int length = info.length() < kMaxInfoWritten ? info.length() : kMaxInfoWritten;
-    String text(info.chars(), length);
-    for (int i = 0; i < length; ++i) {
-        const char c = text.chars()[i];
-        if (c == '"') {
-            text[i] = '\'';
-        } else if (c == '\n' || c == '\r' || c == '\0') {
-            text[i] = ' ';
-        }
-    }
-    return text;
 }
 
 }  // namespace
@@ -119,7 +99,8 @@ std::ostream& OvCamera::Write(std::ostream& out) const {
     out << w4 << GetId();
     for (double value : {C_, Xh_, Yh_, A1_, A2_, R0_})
         out << w14 << value;
-    out << ' ' << '"' << WritableInfo(GetInfo()) << '"';
+    // The numbers take at most 130 characters, so the cut text fits one line.
+    out << ' ' << '"' << OvQuotableText(GetInfo()) << '"';
     return out;
 }
 
