@@ -34,6 +34,7 @@
 
 namespace {
 
+using orvo::bench::CountLinesRaw;
 using orvo::bench::Measure;
 using orvo::bench::Timing;
 
@@ -108,30 +109,6 @@ void WriteRaw(const std::string& name, const std::string& bytes) {
         if (std::fwrite(bytes.data() + at, 1, piece, file) != piece) break;
     }
     std::fclose(file);
-}
-
-// The raw reading baseline: the file's bytes in 64 KiB pieces, line feeds counted with memchr.
-// Returns the number of lines (a last line without a line feed counts).
-std::size_t CountLinesRaw(const std::string& name) {
-    std::FILE* file = std::fopen(name.c_str(), "rb");
-    if (file == nullptr) return 0;
-    std::vector<char> chunk(1 << 16);
-    std::size_t lines = 0;
-    char last = '\n';
-    for (;;) {
-        const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), file);
-        if (got == 0) break;
-        for (const char* at = chunk.data(); at != nullptr && at < chunk.data() + got;) {
-            at = static_cast<const char*>(std::memchr(at, '\n', chunk.data() + got - at));
-            if (at != nullptr) {
-                ++lines;
-                ++at;
-            }
-        }
-        last = chunk[got - 1];
-    }
-    std::fclose(file);
-    return lines + (last != '\n' ? 1 : 0);
 }
 
 std::string ReadBytes(const std::string& name) {

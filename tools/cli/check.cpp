@@ -226,14 +226,7 @@ int RunCheck(const Args& args, Io& io) {
     ProgressSession progressBar(io.err, io.progress);
 
     std::optional<OvPointFormat> columns;
-    if (parser.Has("columns")) {
-        std::string error;
-        columns = ParseColumns(parser.Value("columns"), &error);
-        if (!columns) {
-            PrintError(io, kCommand, error);
-            return 2;
-        }
-    }
+    if (!ColumnsOption(parser, "columns", io, kCommand, columns)) return 2;
 
     const std::vector<std::string> files = parser.Positionals("FILE");
     std::vector<CheckResult> results;

@@ -202,4 +202,20 @@ std::string General(double value, int digits, int width) {
     return Right(text, width);
 }
 
+bool ColumnsOption(const ArgParser& parser, const std::string& option, Io& io,
+                   const std::string& command, std::optional<OvPointFormat>& columns) {
+    if (!parser.Has(option)) return true;
+    std::string error;
+    columns = ParseColumns(parser.Value(option), &error);
+    if (columns) return true;
+    PrintError(io, command, error);
+    return false;
+}
+
+bool ReportProblems(const PointFile& file, Io& io, const std::string& command) {
+    for (const FileProblem& problem : file.problems)
+        PrintError(io, command, FormatProblem(problem));
+    return file.problems.empty();
+}
+
 }  // namespace orvo::cli

@@ -13,6 +13,7 @@
 #include "cli.h"
 #include "orvo/foundation/link.h"
 #include "orvo/services/logger.h"
+#include "point_files.h"
 
 namespace orvo::cli {
 
@@ -38,6 +39,14 @@ std::optional<int> ParseOrExit(ArgParser& parser, const Args& args, Io& io,
 
 /// An error of the command itself (not of the data): "orvo fit: <text>" on the error stream.
 void PrintError(Io& io, const std::string& name, const std::string& text);
+
+/// The columns named by the option `option` (e.g. "columns"): set from its value when it is
+/// given, left as they are when it is not. False, with the error printed as one of `command`,
+/// for a list that does not parse.
+bool ColumnsOption(const ArgParser& parser, const std::string& option, Io& io,
+                   const std::string& command, std::optional<OvPointFormat>& columns);
+/// Prints every problem of the read as an error of `command`; true when there was none.
+bool ReportProblems(const PointFile& file, Io& io, const std::string& command);
 
 /// Routes the library's log messages to a stream for the lifetime of the object: installs a
 /// master logger (format "$mesg") with one logger that writes "orvo: <message>" lines, the

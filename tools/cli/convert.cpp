@@ -58,13 +58,7 @@ int RunConvert(const Args& args, Io& io) {
         return 2;
     }
     std::optional<OvPointFormat> columns;
-    if (parser.Has("columns")) {
-        std::string error;
-        if (!(columns = ParseColumns(parser.Value("columns"), &error))) {
-            PrintError(io, kCommand, error);
-            return 2;
-        }
-    }
+    if (!ColumnsOption(parser, "columns", io, kCommand, columns)) return 2;
 
     OvPhotoList photos;
     if (!LoadProject(parser.PositionalOr("PROJECT", ""), photos, io, kCommand)) return 1;
@@ -72,11 +66,7 @@ int RunConvert(const Args& args, Io& io) {
     if (photo == nullptr) return 1;
 
     PointFile points = ReadPointFile(parser.PositionalOr("POINTS", "-"), io.in, columns);
-    if (!points.problems.empty()) {
-        for (const FileProblem& problem : points.problems)
-            PrintError(io, kCommand, FormatProblem(problem));
-        return 1;
-    }
+    if (!ReportProblems(points, io, kCommand)) return 1;
 
     // A photo without camera skips the camera correction (as the library's conversion does);
     // say so once rather than failing every point.

@@ -250,18 +250,9 @@ int RunFit(const Args& args, Io& io) {
     LogSession log(io.err, LogLevelOf(parser));
 
     std::optional<OvPointFormat> columns;
-    std::optional<OvPointFormat> controlColumns;
-    std::string error;
-    if (parser.Has("columns") && !(columns = ParseColumns(parser.Value("columns"), &error))) {
-        PrintError(io, kCommand, error);
-        return 2;
-    }
-    controlColumns = columns;
-    if (parser.Has("control-columns") &&
-        !(controlColumns = ParseColumns(parser.Value("control-columns"), &error))) {
-        PrintError(io, kCommand, error);
-        return 2;
-    }
+    if (!ColumnsOption(parser, "columns", io, kCommand, columns)) return 2;
+    std::optional<OvPointFormat> controlColumns = columns;
+    if (!ColumnsOption(parser, "control-columns", io, kCommand, controlColumns)) return 2;
     std::set<std::uint32_t> checkIds;
     if (parser.Has("check")) {
         const std::optional<std::vector<unsigned>> ids = ParseUnsignedList(parser.Value("check"));
@@ -283,14 +274,8 @@ int RunFit(const Args& args, Io& io) {
 
     PointFile measured = ReadPointFile(parser.PositionalOr("MEASURED", ""), io.in, columns);
     PointFile control = ReadPointFile(parser.PositionalOr("CONTROL", ""), io.in, controlColumns);
-    bool readProblems = false;
-    for (const PointFile* file : {&measured, &control}) {
-        for (const FileProblem& problem : file->problems) {
-            PrintError(io, kCommand, FormatProblem(problem));
-            readProblems = true;
-        }
-    }
-    if (readProblems) return 1;
+    const bool measuredRead = ReportProblems(measured, io, kCommand);
+    if (!ReportProblems(control, io, kCommand) || !measuredRead) return 1;
     LogMessage(kLogInfo, "read " + std::to_string(measured.points.Count()) + " measured and " +
                              std::to_string(control.points.Count()) + " control points");
 

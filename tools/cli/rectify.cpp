@@ -67,13 +67,7 @@ int RunRectify(const Args& args, Io& io) {
         mode = *parsed;
     }
     std::optional<OvPointFormat> columns;
-    if (parser.Has("columns")) {
-        std::string error;
-        if (!(columns = ParseColumns(parser.Value("columns"), &error))) {
-            PrintError(io, kCommand, error);
-            return 2;
-        }
-    }
+    if (!ColumnsOption(parser, "columns", io, kCommand, columns)) return 2;
 
     OvPhotoList photos;
     if (!LoadProject(parser.PositionalOr("PROJECT", ""), photos, io, kCommand)) return 1;
@@ -95,11 +89,7 @@ int RunRectify(const Args& args, Io& io) {
     }
 
     PointFile points = ReadPointFile(parser.PositionalOr("POINTS", "-"), io.in, columns);
-    if (!points.problems.empty()) {
-        for (const FileProblem& problem : points.problems)
-            PrintError(io, kCommand, FormatProblem(problem));
-        return 1;
-    }
+    if (!ReportProblems(points, io, kCommand)) return 1;
     OvPointFormat outColumns = points.columns;
     if (outColumns.HasEntry(eOvPointRWZ) < 0) outColumns.AddEntry(eOvPointRWZ);
 
